@@ -1,0 +1,50 @@
+# Compile settings shared by every target of the project.
+
+set(CMAKE_CXX_STANDARD 17)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_C_STANDARD 99)
+set(CMAKE_C_EXTENSIONS OFF)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR})
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
+
+# Warnings for our own code, in both languages.
+add_library(plx_warnings INTERFACE)
+target_compile_options(plx_warnings INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wcast-qual -Wundef -Wvla -Wimplicit-fallthrough
+  $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor -Woverloaded-virtual>
+  # GoogleTest's typed suites leave a variadic argument empty.
+  $<$<COMPILE_LANG_AND_ID:CXX,Clang>:-Wno-gnu-zero-variadic-macro-arguments>
+  $<$<COMPILE_LANGUAGE:C>:-Wstrict-prototypes>
+  $<$<BOOL:${PLX_WERROR}>:-Werror>)
+
+# What the library alone is compiled with: nothing thrown, no type information, nothing exported
+# by accident, and the hardening that its callers' process deserves.
+add_library(plx_library_options INTERFACE)
+target_compile_options(plx_library_options INTERFACE
+  -fvisibility=hidden
+  $<$<COMPILE_LANGUAGE:CXX>:-fvisibility-inlines-hidden -fno-exceptions -fno-rtti
+                            -fno-threadsafe-statics>
+  -fno-semantic-interposition -ffunction-sections -fdata-sections
+  -fstack-protector-strong -fstack-clash-protection)
+if(CMAKE_BUILD_TYPE MATCHES "Rel" AND NOT PLX_SANITIZE)
+  target_compile_definitions(plx_library_options INTERFACE _FORTIFY_SOURCE=2)
+endif()
+if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang" AND CMAKE_SYSTEM_PROCESSOR MATCHES "^arm")
+  target_compile_options(plx_library_options INTERFACE -Wno-unused-command-line-argument)
+endif()
+
+# Sanitizers apply to everything that is linked together, tests included.
+set(PLX_SANITIZE "" CACHE STRING "Sanitizers to compile with, for instance address,undefined")
+if(PLX_SANITIZE)
+  add_compile_options(-fsanitize=${PLX_SANITIZE} -fno-sanitize-recover=all
+                      -fno-omit-frame-pointer)
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+    # Both need type information, which the library does not carry.
+    add_compile_options(-fno-sanitize=vptr,function)
+  else()
+    add_compile_options(-fno-sanitize=vptr)
+  endif()
+  add_link_options(-fsanitize=${PLX_SANITIZE})
+endif()

@@ -1,0 +1,23 @@
+# Compares the names that the library exports with the committed lists.
+execute_process(COMMAND ${NM} -D --defined-only --format=posix ${LIBRARY}
+                OUTPUT_VARIABLE output COMMAND_ERROR_IS_FATAL ANY)
+string(REGEX MATCHALL "(^|\n)[^ \n]+" exported "${output}")
+list(TRANSFORM exported STRIP)
+list(FILTER exported EXCLUDE REGEX "^(__asan|__ubsan|__odr_asan)")
+file(STRINGS ${LIST} listed)
+
+set(unexpected ${exported})
+list(REMOVE_ITEM unexpected ${listed})
+set(absent ${listed})
+list(REMOVE_ITEM absent ${exported})
+foreach(name IN LISTS unexpected)
+  message(SEND_ERROR "exported, but in no list: ${name}")
+endforeach()
+if(ALLOW_ABSENT)
+  set(absent "")
+endif()
+foreach(name IN LISTS absent)
+  message(SEND_ERROR "listed, but not exported: ${name}")
+endforeach()
+list(LENGTH exported count)
+message(STATUS "${count} names exported")

@@ -1,0 +1,201 @@
+// Copy and append against naive models that work character by character, on random arrangements
+// of destination and source within one arena, so that every kind of overlap comes up.
+#include <gtest/gtest.h>
+#include <plx/securec.h>
+#include <string.h>
+
+#include <algorithm>
+#include <random>
+#include <vector>
+
+#include "support/guarded.h"
+
+namespace {
+
+template <typename Char>
+struct Calls;
+
+template <>
+struct Calls<char> {
+  static constexpr size_t kLimit = SECURE_MEM_LIMIT;
+  static constexpr bool kMeasuresFirst = true;
+  static constexpr errno_t kCopyDoesNotFit = ERANGE_CLEARED;
+  static errno_t copy(char* d, size_t n, const char* s) { return strcpy_s(d, n, s); }
+  static errno_t copy(char* d, size_t n, const char* s, size_t c) { return strncpy_s(d, n, s, c); }
+  static errno_t append(char* d, size_t n, const char* s) { return strcat_s(d, n, s); }
+  static errno_t append(char* d, size_t n, const char* s, size_t c) {
+    return strncat_s(d, n, s, c);
+  }
+};
+
+template <>
+struct Calls<wchar_t> {
+  static constexpr size_t kLimit = SECURE_WCHAR_LIMIT;
+  static constexpr bool kMeasuresFirst = false;
+  static constexpr errno_t kCopyDoesNotFit = ERANGE;  // callers depend on it, wcscpy_s alone
+  static errno_t copy(wchar_t* d, size_t n, const wchar_t* s) { return wcscpy_s(d, n, s); }
+  static errno_t copy(wchar_t* d, size_t n, const wchar_t* s, size_t c) {
+    return wcsncpy_s(d, n, s, c);
+  }
+  static errno_t append(wchar_t* d, size_t n, const wchar_t* s) { return wcscat_s(d, n, s); }
+  static errno_t append(wchar_t* d, size_t n, const wchar_t* s, size_t c) {
+    return wcsncat_s(d, n, s, c);
+  }
+};
+
+constexpr size_t kWhole = static_cast<size_t>(-1);
+
+template <typename Char>
+errno_t empty(Char* dst, errno_t code) {
+  *dst = 0;
+  return code;
+}
+
+// Stores one character at a time and looks for the overlap before each.
+template <typename Char>
+errno_t model_store(Char* dst, Char* out, size_t room, const Char* src, size_t limit) {
+  const bool above = src > dst;
+  const Char* start = src;
+  for (; room > 0; --room, --limit) {
+    if (above ? out == start : src == dst) return empty(dst, EOVERLAP_CLEARED);
+    if (limit == 0) return empty(out, EOK);
+    if ((*out++ = *src++) == 0) return EOK;
+  }
+  return empty(dst, ERANGE_CLEARED);
+}
+
+template <typename Char>
+errno_t model_append(Char* dst, size_t room, const Char* src, size_t limit) {
+  Char* out = dst;
+  for (;; ++out, --room) {
+    if (room == 0) return empty(dst, EINVAL_CLEARED);
+    if (src > dst && out == src) return empty(dst, EOVERLAP_CLEARED);
+    if (*out == 0) break;
+  }
+  if (limit == 0) return EOK;
+  return model_store(dst, out, room, src, limit);
+}
+
+template <typename Char>
+errno_t model_copy(Char* dst, size_t room, const Char* src, size_t limit) {
+  if (limit == 0) return empty(dst, EOK);
+  const bool whole = limit == kWhole;
+  if (dst == src && whole && !Calls<Char>::kMeasuresFirst) return EOK;
+  if (!Calls<Char>::kMeasuresFirst) {
+    const errno_t code = model_store(dst, dst, room, src, limit);
+    return code == ERANGE_CLEARED && whole ? Calls<Char>::kCopyDoesNotFit : code;
+  }
+  size_t length = 0;
+  while (length < limit && src[length] != 0) {
+    if (++length == room) return empty(dst, ERANGE_CLEARED);
+  }
+  if (dst == src && whole) return EOK;
+  const Char* low = std::min<const Char*>(dst, src);
+  const Char* high = std::max<const Char*>(dst, src);
+  if (dst != src && low + length + 1 > high) return empty(dst, EOVERLAP_CLEARED);
+  const std::vector<Char> text(src, src + length);
+  std::copy(text.begin(), text.end(), dst);
+  dst[length] = 0;
+  return EOK;
+}
+
+template <typename Char>
+class Strings : public testing::Test {};
+using Widths = testing::Types<char, wchar_t>;
+TYPED_TEST_SUITE(Strings, Widths);
+
+TYPED_TEST(Strings, AgreeWithTheModelInEveryArrangement) {
+  using Char = TypeParam;
+  constexpr size_t kArena = 20, kTail = 44;
+  std::mt19937 random(1);
+  const auto below = [&](size_t n) { return std::uniform_int_distribution<size_t>(0, n - 1)(random); };
+  size_t codes[256] = {};
+  for (int round = 0; round < 200000; ++round) {
+    Char arena[kArena + kTail] = {};
+    for (size_t i = 0; i < kArena; ++i) {
+      arena[i] = static_cast<Char>(below(8) == 0 ? 0 : 'a' + below(3));
+    }
+    Char expected[kArena + kTail];
+    std::copy(std::begin(arena), std::end(arena), expected);
+    const size_t dst = below(kArena), src = below(kArena), room = 1 + below(12);
+    const size_t limit = below(3) == 0 ? kWhole : below(10);
+    const bool appends = below(2) == 0;
+    const errno_t wanted = appends ? model_append(expected + dst, room, expected + src, limit)
+                                   : model_copy(expected + dst, room, expected + src, limit);
+    errno_t code;
+    if (limit == kWhole) {
+      code = appends ? Calls<Char>::append(arena + dst, room, arena + src)
+                     : Calls<Char>::copy(arena + dst, room, arena + src);
+    } else {
+      code = appends ? Calls<Char>::append(arena + dst, room, arena + src, limit)
+                     : Calls<Char>::copy(arena + dst, room, arena + src, limit);
+    }
+    ++codes[wanted];
+    ASSERT_EQ(wanted, code) << "round " << round;
+    ASSERT_TRUE(std::equal(std::begin(arena), std::end(arena), expected))
+        << "round " << round << ": " << (appends ? "append" : "copy") << " to " << dst << " room "
+        << room << " from " << src << " limit " << limit;
+  }
+  for (errno_t code : {EOK, EINVAL_CLEARED, ERANGE_CLEARED, EOVERLAP_CLEARED}) {
+    EXPECT_GT(codes[code], 1000u) << code;
+  }
+}
+
+TYPED_TEST(Strings, RefusalsInTheirOrder) {
+  using Char = TypeParam;
+  const size_t too_large = Calls<Char>::kLimit + 1;
+  const Char text[] = {'x', 'y', 0};
+  Char d[] = {'a', 'b', 0, 'c'};
+  const auto restore = [&] { d[0] = 'a'; };
+  for (size_t room : {size_t{0}, too_large, kWhole}) {
+    EXPECT_EQ(ERANGE, Calls<Char>::copy(d, room, nullptr));
+    EXPECT_EQ(ERANGE, Calls<Char>::copy(nullptr, room, text, too_large));
+    EXPECT_EQ(ERANGE, Calls<Char>::append(d, room, nullptr));
+    EXPECT_EQ(ERANGE, Calls<Char>::append(d, room, text, too_large));
+  }
+  EXPECT_EQ(EINVAL, Calls<Char>::copy(nullptr, 4, nullptr));
+  EXPECT_EQ(EINVAL, Calls<Char>::copy(nullptr, 4, text, too_large));
+  EXPECT_EQ(EINVAL, Calls<Char>::append(nullptr, 4, text));
+  EXPECT_EQ(EINVAL, Calls<Char>::append(nullptr, 4, nullptr, too_large));
+  EXPECT_EQ('a', d[0]);
+
+  EXPECT_EQ(EINVAL_CLEARED, Calls<Char>::copy(d, 4, nullptr));
+  EXPECT_EQ(0, d[0]);
+  restore();
+  EXPECT_EQ(EINVAL_CLEARED, Calls<Char>::copy(d, 4, nullptr, too_large));
+  EXPECT_EQ(0, d[0]);
+  restore();
+  EXPECT_EQ(EINVAL_CLEARED, Calls<Char>::append(d, 4, nullptr));
+  EXPECT_EQ(0, d[0]);
+  restore();
+  EXPECT_EQ(ERANGE_CLEARED, Calls<Char>::copy(d, 4, text, too_large));
+  EXPECT_EQ(0, d[0]);
+  restore();
+  EXPECT_EQ(ERANGE_CLEARED, Calls<Char>::append(d, 4, text, kWhole));
+  EXPECT_EQ(0, d[0]);
+  EXPECT_EQ('b', d[1]);
+  EXPECT_EQ('c', d[3]);
+  restore();
+  EXPECT_EQ(EOK, Calls<Char>::copy(d, 4, text, Calls<Char>::kLimit));
+  EXPECT_EQ('x', d[0]);
+}
+
+// An unterminated source or destination is never read past the destination's size.
+TYPED_TEST(Strings, NothingIsReadPastTheRoom) {
+  using Char = TypeParam;
+  plx_test::Guarded<Char> src(6), full(6);
+  std::fill_n(src.data(), 6, 'a');
+  std::fill_n(full.data(), 6, 'b');
+  Char d[8] = {};
+  EXPECT_EQ(Calls<Char>::kCopyDoesNotFit, Calls<Char>::copy(d, 6, src.data()));
+  EXPECT_EQ(ERANGE_CLEARED, Calls<Char>::copy(d, 6, src.data(), 100));
+  EXPECT_EQ(ERANGE_CLEARED, Calls<Char>::append(d, 6, src.data()));
+  EXPECT_EQ(ERANGE_CLEARED, Calls<Char>::append(d, 6, src.data(), 100));
+  EXPECT_EQ(EOK, Calls<Char>::copy(d, 7, src.data(), 6));
+  EXPECT_EQ(EINVAL_CLEARED, Calls<Char>::append(full.data(), 6, src.data()));
+  EXPECT_EQ(ERANGE_CLEARED, Calls<Char>::append(full.data(), 6, src.data()));
+  EXPECT_EQ(0, full[0]);
+  EXPECT_EQ('a', full[5]);
+}
+
+}  // namespace

@@ -1,0 +1,44 @@
+// An allocator under the tests' control: it counts what lives and fails on demand. It stands
+// between the library's objects and the C allocator by the linker's --wrap.
+#ifndef PLX_TESTS_SUPPORT_ALLOCATION_H
+#define PLX_TESTS_SUPPORT_ALLOCATION_H
+
+#include <stddef.h>
+
+namespace plx_test {
+
+// While one of these lives, the n-th allocation from its creation on (1 is the next) fails, and
+// with `all_later` every one after it too. Allocations of libcrypto are not seen. `fail_at` 0
+// fails nothing.
+class AllocationFault {
+ public:
+  explicit AllocationFault(size_t fail_at = 0, bool all_later = false);
+  ~AllocationFault();
+  AllocationFault(const AllocationFault&) = delete;
+  AllocationFault& operator=(const AllocationFault&) = delete;
+
+  size_t allocations() const;  // asked for so far, failed ones included
+  bool hit() const;            // something was made to fail
+  long live_blocks() const;    // allocated minus freed since creation
+};
+
+// Calls `body` with the first, second, ... allocation failing until it runs without a failure.
+// `body` returns nothing and makes its own checks; `body(hit)` is told after the fact through
+// AllocationFault. Leaks are reported by the returned count of blocks still alive.
+template <typename Body>
+size_t fail_each_allocation(Body body, long* leaked) {
+  size_t n = 1;
+  *leaked = 0;
+  for (;; ++n) {
+    AllocationFault fault(n);
+    body(fault);
+    const bool hit = fault.hit();
+    *leaked += fault.live_blocks();
+    if (!hit) break;
+  }
+  return n - 1;
+}
+
+}  // namespace plx_test
+
+#endif
