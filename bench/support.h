@@ -16,17 +16,16 @@ namespace plx_bench {
 // Measures `work`, one call an iteration. `bytes` per call, when given, yields a rate.
 template <typename Work>
 void add(const std::string& row, const std::string& variant, Work work, size_t bytes = 0) {
-  benchmark::RegisterBenchmark((row + "@" + variant).c_str(),
-                               [work = std::move(work), bytes](benchmark::State& state) mutable {
-                                 for (auto _ : state) {
-                                   work();
-                                   benchmark::ClobberMemory();
-                                 }
-                                 if (bytes != 0) {
-                                   state.SetBytesProcessed(
-                                       static_cast<int64_t>(state.iterations() * bytes));
-                                 }
-                               });
+  benchmark::RegisterBenchmark((row + "@" + variant).c_str(), [work = std::move(work), bytes](
+                                                                  benchmark::State& state) mutable {
+    for (auto _ : state) {
+      work();
+      benchmark::ClobberMemory();
+    }
+    if (bytes != 0) {
+      state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * bytes));
+    }
+  });
 }
 
 // The library against its peer.
