@@ -214,7 +214,7 @@ TEST(Array, FailedGrowth) {
       {"insert", [](PLX_array* a, void* e) { return PLX_array_insert(a, e, 3); }},
       {"modify", [](PLX_array* a, void* e) { return PLX_array_modify(a, 32, e); }},
       {"preAppend", [](PLX_array* a, void*) { return PLX_array_preAppend(a, 1); }},
-      {"refused size", [](PLX_array* a, void*) { return PLX_array_preAppend(a, INT_MAX - 40); }},
+      {"refused size", [](PLX_array* a, void*) { return PLX_array_preAppend(a, INT_MAX - 60); }},
   };
   for (const Growth& growth : growths) {
     SCOPED_TRACE(growth.name);
