@@ -36,6 +36,10 @@ inline const unsigned char* bytes(const std::string& text) {
   return reinterpret_cast<const unsigned char*>(text.data());
 }
 
+inline unsigned char* bytes(std::string& text) {
+  return reinterpret_cast<unsigned char*>(&text[0]);
+}
+
 // What libcrypto makes of `in` with the cipher of that name; "refused" when it refuses.
 inline std::string judge(const char* cipher_name, bool encrypting, bool padding,
                          const std::string& key, const std::string& iv, const std::string& in) {
