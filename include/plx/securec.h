@@ -164,6 +164,88 @@ PLX_API char* gets_s(char* buffer, int size);
 
 /* ---- Formatted output ----------------------------------------------------------------------- */
 
+/* The formatters return the number of characters written, without the terminator, or -1; never one
+ * of the codes above. A conversion is
+ *
+ *   % flags width .precision size letter
+ *
+ *   flags      '-' left-justify, '0' pad with zeros, '+' and ' ' sign of d and i, '#' alternate
+ *              form. They may also stand behind the width; digits behind them start it anew.
+ *   width      digits or '*'. A negative '*' means '-' and its magnitude. Digits go up to
+ *              214748369, the least int is refused.
+ *   precision  digits or '*', nothing for 0. A negative '*' counts as not given. Least number of
+ *              digits of an integer (at most 512), most characters of a text, digits of a float.
+ *   size       hh  char                     l  long; wide character or text
+ *              h   short; narrow text       z t  size_t
+ *              ll  64 bits                  w  int; wide character or text
+ *              j L q I64  64 bits           I32  32 bits
+ *              L q  also long double        I  before d i o u x X: size_t
+ *              N and Z say nothing. An I before anything else ends the conversion and is printed.
+ *   letter     d i u o x X   integers
+ *              e f g E F G   floats, the text of the C library's printf in the current locale
+ *              p   a pointer: "0x" and digits, "(nil)" for null. Its zero padding holds beside a
+ *                  precision.
+ *              c s   a character, a text; null prints "(null)"
+ *              C S   a wide character, a wide text (narrow with h)
+ *              %   the sign itself
+ *
+ * Text of the other width is converted in the current locale. Width and precision count its
+ * characters, not its bytes; a 'c' of several bytes is padded by its bytes. A text that does not
+ * convert fails the call, a single character ('c') that does not prints nothing.
+ *
+ * Everything else after '%' is refused, also "%n", "%a" and a format that ends within a conversion.
+ * What the precision leaves out of a text is not read. Nothing is allocated but for a float whose
+ * width, or whose precision and 349 more (4972 for a long double), reach 512; without memory it
+ * prints nothing, and so does one whose precision passes 2147483298 (2147478675).
+ *
+ * A destination must not overlap the format or an argument. */
+#define PLX_PRINTF_FORMAT(format_index, first_argument) \
+  __attribute__((format(printf, format_index, first_argument)))
+
+/* sprintf_s formats into `dest`, which holds `destMax` bytes, all or nothing. Returns -1 when
+ *   `dest` or `format` is null, or `destMax` is 0 or above the limit
+ *   the format is refused, or a text does not convert
+ *   the text and its terminator do not fit
+ * and then leaves the empty text in `dest`, if it is not null and `destMax` not 0. */
+PLX_API int sprintf_s(char* dest, size_t destMax, const char* format, ...) PLX_PRINTF_FORMAT(3, 4);
+PLX_API int vsprintf_s(char* dest, size_t destMax, const char* format, va_list args)
+    PLX_PRINTF_FORMAT(3, 0);
+
+/* snprintf_s is sprintf_s for at most `count` characters. When more are to be written and `count`
+ * is below `destMax`, it returns -1 and keeps the cut text: the first `count` characters and a
+ * terminator. Nothing else is ever cut. A `count` of all ones (of 32 bits, or of a size_t) sets no
+ * limit; other values above 0x7FFFFFFE are refused like a null `dest`.
+ * With `count` at or above `destMax` the last byte of `dest` is set to 0 too. */
+PLX_API int snprintf_s(char* dest, size_t destMax, size_t count, const char* format, ...)
+    PLX_PRINTF_FORMAT(4, 5);
+PLX_API int vsnprintf_s(char* dest, size_t destMax, size_t count, const char* format, va_list args)
+    PLX_PRINTF_FORMAT(4, 0);
+
+/* swprintf_s is sprintf_s for wide text: `destMax` and the result count wide characters, and so do
+ * widths and precisions. Here too 's' and 'c' take narrow arguments unless marked by l or w. The
+ * wide character 0xFFFFFFFF cannot be written and fails the call. */
+PLX_API int swprintf_s(wchar_t* dest, size_t destMax, const wchar_t* format, ...);
+PLX_API int vswprintf_s(wchar_t* dest, size_t destMax, const wchar_t* format, va_list args);
+
+/* The engines behind them, for callers with a room of their own. */
+typedef struct SecurecOutputStream {
+  int32_t room;   /* characters that may still be written; below 0 once text was cut */
+  char* position; /* where the next one goes */
+} SecurecOutputStream;
+
+typedef struct SecurecWideOutputStream {
+  int32_t room;      /* bytes that may still be written, 4 a character; below 0 once text was cut */
+  wchar_t* position; /* where the next character goes */
+} SecurecWideOutputStream;
+
+/* securec_output_s formats into the room of `stream` and moves it on behind what was written; no
+ * terminator is added. Returns the number of characters written, or -1 when `stream`, its position
+ * or `format` is null, when the format is refused, or when the room ran out: what fits has then
+ * been written. securec_woutput_s does the same for wide text. */
+PLX_API int securec_output_s(SecurecOutputStream* stream, const char* format, va_list args)
+    PLX_PRINTF_FORMAT(2, 0);
+PLX_API int securec_woutput_s(SecurecWideOutputStream* stream, const wchar_t* format, va_list args);
+
 /* ---- Formatted input ------------------------------------------------------------------------ */
 
 /* The scanning functions read text by a format, from a string (sscanf_s), from standard input
