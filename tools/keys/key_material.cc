@@ -19,6 +19,7 @@ using TRUX::CIPHER::CCipher;
 
 struct DeleteArray {
   void operator()(const char* block) const { deleteArrayPoint_s(const_cast<char*>(block)); }
+  void operator()(unsigned char* block) const { deleteArrayPoint_s(block); }
 };
 
 std::string base64_text(const Secret& bytes) {
@@ -109,6 +110,22 @@ std::string factor_text(const Secret& factor) { return base64_text(factor); }
 std::string sealed_text(const Secret& work_key, const Secret& init_key, const Secret& iv) {
   return base64_text(iv.empty() ? seal_with_random_iv(work_key, init_key)
                                 : seal_with_iv(work_key, init_key, iv));
+}
+
+bool opens_to(const std::string& sealed, const Secret& init_key, const Secret& work_key) {
+  std::string text = sealed;  // the decoder may write to its input
+  Secret key = init_key;
+  int size = 0;
+  const std::unique_ptr<unsigned char, DeleteArray> blob(
+      CCipher::UnBase64(text.data(), static_cast<int>(text.size()), &size));
+  if (blob == nullptr || size <= static_cast<int>(kIvSize)) return false;
+  Secret plain(static_cast<size_t>(size) + 1);
+  int plain_size = size;
+  if (!CCipher::DecryptData(blob.get(), size, plain.data(), plain_size, key.data(), AES_CBC_128)) {
+    return false;
+  }
+  plain.resize(static_cast<size_t>(plain_size));
+  return plain == work_key;
 }
 
 Secret derive_init_key(int index) {

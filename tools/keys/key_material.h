@@ -29,6 +29,9 @@ std::string factor_text(const Secret& factor);
 // a random one.
 std::string sealed_text(const Secret& work_key, const Secret& init_key, const Secret& iv);
 
+// Whether the text of a work-key file opens to this work key.
+bool opens_to(const std::string& sealed, const Secret& init_key, const Secret& work_key);
+
 // The init key of a row, from its factor file. Ends the command when the library refuses.
 Secret derive_init_key(int index);
 // The work key that the library loads from a row's files; false when it refuses.

@@ -2,6 +2,8 @@
 
 #include <fmt/core.h>
 
+#include <optional>
+
 #include "keys/key_material.h"
 #include "keys/key_table.h"
 #include "support/failure.h"
@@ -16,15 +18,6 @@ Secret read_exactly(const std::string& source, const char* what, size_t size) {
               fmt::format("the {} is a file of {} raw bytes", what, size));
   }
   return bytes;
-}
-
-void require_loads_back(int index, const KeyPaths& paths, const Secret& expected) {
-  const RepointedKey repointed(index, paths);
-  Secret loaded;
-  if (load_work_key(index, &loaded) && loaded == expected) return;
-  refuse(fmt::format("{}: the library does not load the new work key back; nothing was changed",
-                     key_name(index)),
-         "see that 'plxutil version' shows the secrets that you expect");
 }
 
 // A work-key file whose factor file is gone opens with that very factor alone.
@@ -53,6 +46,15 @@ void read_recipe(const std::string& factor_file, const std::string& iv_file,
     wrong_use(fmt::format("{}: holds no work key", name_of(work_key_file)),
               "the file holds the text of the key");
   }
+}
+
+void require_loads_back(int index, const KeyPaths& paths, const Secret& expected) {
+  const RepointedKey repointed(index, paths);
+  Secret loaded;
+  if (load_work_key(index, &loaded) && loaded == expected) return;
+  refuse(fmt::format("{}: the library does not load the new work key back; nothing was changed",
+                     key_name(index)),
+         "see that 'plxutil version' shows the secrets that you expect");
 }
 
 Secret work_key_for(int index, const KeyRecipe& recipe) {

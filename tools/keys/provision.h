@@ -2,8 +2,9 @@
 #ifndef PLX_TOOLS_KEYS_PROVISION_H
 #define PLX_TOOLS_KEYS_PROVISION_H
 
-#include <optional>
+#include <string>
 
+#include "keys/key_table.h"
 #include "support/file.h"
 #include "support/secret.h"
 
@@ -30,6 +31,9 @@ struct Provisioned {
 // Makes the files of a key that are missing (all, with force), sees that the library loads the
 // work key back, and only then gives them their names.
 Provisioned provision_key(int index, const KeyRecipe& recipe);
+
+// Ends the command when the library does not load `expected` from these files.
+void require_loads_back(int index, const KeyPaths& paths, const Secret& expected);
 
 // The work key of a recipe for a row: the given one or a new one.
 Secret work_key_for(int index, const KeyRecipe& recipe);

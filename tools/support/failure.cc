@@ -45,6 +45,10 @@ void system_failure(const std::string& what, int error, std::string advice) {
                 std::move(advice));
 }
 
+void system_failure_text(std::string message, std::string advice) {
+  throw Failure(Exit::kSystemError, std::move(message), std::move(advice));
+}
+
 std::string error_text(int error) {
   std::string text = strerror(error);
   if (!text.empty() && text[0] >= 'A' && text[0] <= 'Z') text[0] |= 0x20;

@@ -33,6 +33,9 @@ class Failure : public std::exception {
 // Appends the text of `error`, an errno value, to the message.
 [[noreturn]] void system_failure(const std::string& what, int error, std::string advice = "");
 
+// The same for a message that has been put together already.
+[[noreturn]] void system_failure_text(std::string message, std::string advice = "");
+
 // The text of an errno value, lower case as it stands inside a sentence.
 std::string error_text(int error);
 
