@@ -42,8 +42,9 @@ TEST(Tokenizer, SplitsAtRunsOfDelimiters) {
     const char* tokens;
   };
   const Row rows[] = {
-      {",,a,,b", ",", "a|b|"}, {"a b\tc ", " \t", "a|b|c|"}, {"", ",", ""}, {",,,", ",", ""},
-      {"a,b", "", "a,b|"},     {"a", ",", "a|"},             {"a,", ",", "a|"},
+      {",,a,,b", ",", "a|b|"}, {"a b\tc ", " \t", "a|b|c|"}, {"", ",", ""},
+      {",,,", ",", ""},        {"a,b", "", "a,b|"},          {"a", ",", "a|"},
+      {"a,", ",", "a|"},
   };
   for (const Row& row : rows) {
     EXPECT_EQ(row.tokens, tokens<char>(row.text, row.delimiters)) << row.text;

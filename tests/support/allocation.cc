@@ -30,8 +30,8 @@ thread_local State state;
 bool must_fail() {
   if (!state.active) return false;
   ++state.seen;
-  const bool fail = state.fail_at != 0 &&
-                    (state.seen == state.fail_at || (state.all_later && state.seen > state.fail_at));
+  const bool fail = state.fail_at != 0 && (state.seen == state.fail_at ||
+                                           (state.all_later && state.seen > state.fail_at));
   state.hit = state.hit || fail;
   return fail;
 }
