@@ -52,17 +52,10 @@ class Parser {
 PLX_JsonValue* Parser::parse_value(int depth) {
   if (depth + 1 > kMaxDepth) return nullptr;
   skip_white_space();
-  switch (*cursor_) {
-    case ',':
-    case ':':
-      return nullptr;
-    case '[':
-      return parse_array(depth);
-    case '{':
-      return parse_object(depth);
-    default:
-      return parse_scalar();
-  }
+  if (*cursor_ == '[') return parse_array(depth);
+  if (*cursor_ == '{') return parse_object(depth);
+  // A misplaced comma, colon or closing bracket makes an empty token there, which fails.
+  return parse_scalar();
 }
 
 // Steps past `c` if it is next, white space apart.

@@ -126,8 +126,8 @@ const char* append_escape(const char* p, const char* last, TextSink* sink) {
     sink->append(&c, 1);
     return p;
   }
-  if (last - ++p < 4) return nullptr;
-  unsigned unit = 0;
+  ++p;
+  unsigned unit = 0;  // a text that ends too early is followed by a byte that is no digit
   for (int i = 0; i < 4; ++i) {
     const int digit = hex_digit(*p++);
     if (digit < 0) return nullptr;
