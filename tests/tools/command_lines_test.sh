@@ -6,7 +6,7 @@ cd "$work" || exit 1
 printf 'twelve-chars' >text
 printf '0123456789abcdef' >key16
 printf '30313233343536373839616263646566\n' >key16.hex
-printf '0123456789abcdef0123456789abcdef' >key32
+printf 'the thirty-two bytes of one key.' >key32
 printf '0123456789ABCDEF 23456789ABCDEF01 456789ABCDEF0123' >des.keys
 printf '0123456789abcdef0123456789abcdef' >des.two
 printf '{"a":{"b":[1,2]},"b":"x\\ny", "n":" 12 apples", "t":"Trueish"}' >good.json
@@ -17,7 +17,7 @@ mkdir folder box
 while IFS='|' read -r code input arguments pattern; do
   [[ $code =~ ^[0-9] ]] || continue
   eval "set -- $arguments"
-  expect "$((code))" "$(sed 's/^ *//' <<<"$pattern")" plx "$@" < <(eval "printf $input")
+  expect "$((code))" "$(sed 's/^ *//' <<<"$pattern")" plx "$@" < <(eval "printf -- $input")
 done <<'TABLE'
 0 | ''  | --help                                        | keys.*request.*Exit codes: 0 done
 0 | ''  | --version                                     | ^plxutil 1\.
@@ -66,14 +66,14 @@ done <<'TABLE'
 1 | 'AAAA' | open --key-file key16                      | too short
 0 | 'foo' | base64 encode                               | ^Zm9v.?$
 0 | '\xfb\xff' | base64 encode --url                    | ^-_8.?$
-0 | 'Zm9v\n' | base64 decode                            | ^foo$
-0 | 'Zm\n9v\n' | base64 decode -i                       | ^foo$
+0 | 'Zm9v\n' | base64 decode                            | ^foo.?$
+0 | 'Zm\n9v\n' | base64 decode -i                       | ^foo.?$
 0 | '-_8' | base64 decode --url                         | .
 1 | 'Zm\n9v\n' | base64 decode                          | byte 2 .*--ignore-space
 1 | '-_8=' | base64 decode                              | byte 0 .*try --url
 1 | 'Zm9' | base64 decode                               | 3 characters are no whole
 1 | 'Z===' | base64 decode                              | see its padding
-0 | '' | base64 encode                                  | ^$
+0 | '' | base64 encode                                  | ^.?$
 2 | 'x' | des3 encrypt                                  | --key-file is required
 2 | 'x' | des3 encrypt --key-file text                  | neither two nor three keys
 2 | 'x' | des3 decrypt --key-file des.keys --end never  | see 'plxutil des3 decrypt --help'

@@ -6,6 +6,8 @@
 #include <termios.h>
 #include <unistd.h>
 
+#include <algorithm>
+
 #include "support/failure.h"
 
 namespace plx::tool {
@@ -42,9 +44,12 @@ struct Descriptor {
 
 // Reads to the end, or for a terminal to the end of the line.
 Secret read_all(int fd, const std::string& name, size_t limit, bool one_line) {
-  Secret secret(limit + 1);
+  Secret secret;
   size_t used = 0;
-  while (used < secret.size()) {
+  while (used <= limit) {
+    if (used == secret.size()) {
+      secret.resize(std::min(limit + 1, std::max<size_t>(4096, 2 * used)));
+    }
     const ssize_t got = read(fd, secret.data() + used, secret.size() - used);
     if (got < 0 && errno == EINTR) continue;
     if (got < 0) system_failure(name, errno);
