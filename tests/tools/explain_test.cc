@@ -65,8 +65,8 @@ void expect_foretold(const std::string& request, bool decrypting) {
 }
 
 // Values that each rule of a request decides on, good ones more often than bad ones.
-const std::string kModes[] = {"\"ECB\"", "\"CBC\"", "\"CBC\"", "\"ECB\"", "-",
-                              "\"\"", "\"cbc\"", "[1]"};
+const std::string kModes[] = {"\"ECB\"", "\"CBC\"", "\"CBC\"", "\"ECB\"",
+                              "-",       "\"\"",    "\"cbc\"", "[1]"};
 const std::string kSizes[] = {"128", "192", "256", "\"192abc\"", "128", "256", "192", "64", "-"};
 const std::string kPaddings[] = {"\"PKCS5Padding\"", "\"\"", "\"PKCS5Padding\"", "{}", "-",
                                  "\"PKCS7\""};
@@ -125,12 +125,17 @@ TEST(Explain, ForetellsDecryption) {
 TEST(Explain, ForetellsLongTextsAndStrangeDocuments) {
   const StoredKey stored(12);
   const std::string good = R"("cipherSize":128,"paddingMode":"PKCS5Padding")";
-  const std::string documents[] = {
-      "", "no braces", "} {", "x={" + good + ",\"plainText\":\"abc\" }\n", "{" + good + ",",
-      "{\"a\":{" + good + ",\"b\":['x']},\"plainText\":\"abc\" }", "{" + good + ",\"plainText\":[]}",
-      "{" + good + ",\"cipherText\":\"" + std::string(1500, 'A') + "\",\"plainText\":\"" +
-          std::string(1500, 't') + "\" }",
-      "{" + good + ",\"plainText\":\"a\\u0000b\" }", "{" + good + "\n}"};
+  const std::string documents[] = {"",
+                                   "no braces",
+                                   "} {",
+                                   "x={" + good + ",\"plainText\":\"abc\" }\n",
+                                   "{" + good + ",",
+                                   "{\"a\":{" + good + ",\"b\":['x']},\"plainText\":\"abc\" }",
+                                   "{" + good + ",\"plainText\":[]}",
+                                   "{" + good + ",\"cipherText\":\"" + std::string(1500, 'A') +
+                                       "\",\"plainText\":\"" + std::string(1500, 't') + "\" }",
+                                   "{" + good + ",\"plainText\":\"a\\u0000b\" }",
+                                   "{" + good + "\n}"};
   for (const std::string& document : documents) {
     expect_foretold(document, false);
     expect_foretold(document, true);

@@ -66,10 +66,27 @@ TEST(JsonWalk, NamesByteLineAndRule) {
 }
 
 const std::vector<std::string> kTexts = {
-    "{}xyz", "[]", "[\"\\x\"abc]", "{\"a\\u0000b\":1,\"a\":2}", "{\"\":1}", "{'':1,\"\":2}",
-    "[1\t,2]", "[1 ,2]", "{a:b}", "[tru,1e,12abc]", "[\"\\u00e9\\u20ac\\uD83D\"]", "['\\'']",
-    "{\"a\":{\"a\":1},\"b\":[1,{\"a\":2}]}", "[a\\nb]", "[a\\]", "[\"\x01\"x,1]", "{\"\\q\"k:1}",
-    nested(16, '[', ']'), nested(17, '[', ']'), array_of(480), array_of(481),
+    "{}xyz",
+    "[]",
+    "[\"\\x\"abc]",
+    "{\"a\\u0000b\":1,\"a\":2}",
+    "{\"\":1}",
+    "{'':1,\"\":2}",
+    "[1\t,2]",
+    "[1 ,2]",
+    "{a:b}",
+    "[tru,1e,12abc]",
+    "[\"\\u00e9\\u20ac\\uD83D\"]",
+    "['\\'']",
+    "{\"a\":{\"a\":1},\"b\":[1,{\"a\":2}]}",
+    "[a\\nb]",
+    "[a\\]",
+    "[\"\x01\"x,1]",
+    "{\"\\q\"k:1}",
+    nested(16, '[', ']'),
+    nested(17, '[', ']'),
+    array_of(480),
+    array_of(481),
     "{\"encryptMode\":\"CBC\",\"cipherSize\":128,\"paddingMode\":\"PKCS5Padding\"}"};
 
 void expect_equal_verdicts(const std::string& text) {

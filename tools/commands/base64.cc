@@ -40,8 +40,7 @@ void encode(const Base64Options& options) {
 bool is_space(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
 bool in_alphabet(char c, bool url) {
-  const bool common =
-      (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9');
+  const bool common = (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9');
   return common || (url ? c == '-' || c == '_' : c == '+' || c == '/' || c == '=');
 }
 

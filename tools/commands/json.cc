@@ -144,7 +144,9 @@ void add_json_commands(CLI::App& program) {
 
   CLI::App& find_command = *json.add_subcommand("find", "print the first member of a name");
   options = add_action<JsonOptions>(find_command, find);
-  find_command.add_option("name", options->name, "the member's name")->type_name("NAME")->required();
+  find_command.add_option("name", options->name, "the member's name")
+      ->type_name("NAME")
+      ->required();
   add_input(find_command, &options->source, input);
   find_command.add_flag("-i,--ignore-case", options->ignore_case, "A to Z equal a to z");
   find_command

@@ -85,11 +85,12 @@ void add_provision(CLI::App& keys) {
   const auto options = add_action<ProvisionOptions>(command, provision);
   options->box.add_to(command);
   add_key_names(command, &options->names);
-  command.add_option("--factor", options->recipe.factor, "file with the factor, 16 raw bytes; else random")
+  command
+      .add_option("--factor", options->recipe.factor,
+                  "file with the factor, 16 raw bytes; else random")
       ->type_name("FILE");
   options->recipe.add_to(command);
-  CLI::Option* force =
-      command.add_flag("--force", options->force, "replace existing files");
+  CLI::Option* force = command.add_flag("--force", options->force, "replace existing files");
   CLI::Option* devices =
       command.add_option("--devices", options->devices, "CSV list of a fleet's boxes")
           ->type_name("CSV")

@@ -6,11 +6,11 @@
 namespace plx::tool {
 
 void BoxOptions::add_to(CLI::App& command) {
-  command.add_option("--root", root, "folder that takes the place of / before the key files' paths")
+  command
+      .add_option("--root", root, "folder that takes the place of / before the key files' paths")
       ->type_name("DIR");
-  stb_id_option =
-      command.add_option("--stb-id", stb_id, "identifier of the box, at most 63 bytes")
-          ->type_name("ID");
+  stb_id_option = command.add_option("--stb-id", stb_id, "identifier of the box, at most 63 bytes")
+                      ->type_name("ID");
 }
 
 void BoxOptions::apply() const {

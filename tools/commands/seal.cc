@@ -75,7 +75,8 @@ void add_command(CLI::App& program, const char* name, const char* description, c
   command.add_option("--bits", options->bits, "size of that key: 128 (default) or 256")
       ->type_name("BITS")
       ->check(CLI::IsMember({128, 256}));
-  command.add_option("--stored", options->stored, "take the box's key (epg) or the product's (stb)")
+  command
+      .add_option("--stored", options->stored, "take the box's key (epg) or the product's (stb)")
       ->type_name("epg|stb")
       ->check(CLI::IsMember({"epg", "stb"}));
 }

@@ -35,8 +35,8 @@ class Line {
     char digits[24];
     size_t at = sizeof digits - 1;
     digits[at] = '\0';
-    unsigned long long rest =
-        value < 0 ? 0 - static_cast<unsigned long long>(value) : static_cast<unsigned long long>(value);
+    unsigned long long rest = value < 0 ? 0 - static_cast<unsigned long long>(value)
+                                        : static_cast<unsigned long long>(value);
     do {
       digits[--at] = static_cast<char>('0' + rest % 10);
       rest /= 10;
@@ -69,8 +69,11 @@ class Line {
 void* find_next(const char* symbol) {
   void* next = dlsym(RTLD_NEXT, symbol);
   if (next == nullptr) {
-    Line().text("plxutility: no library with ").text(symbol).text(" behind the twin").write_to(
-        STDERR_FILENO);
+    Line()
+        .text("plxutility: no library with ")
+        .text(symbol)
+        .text(" behind the twin")
+        .write_to(STDERR_FILENO);
     abort();
   }
   return next;
@@ -86,8 +89,10 @@ void log_refusal(const void* caller, const char* function, const char* code,
   Dl_info info;
   if (dladdr(caller, &info) != 0) {
     if (info.dli_sname != nullptr) {
-      line.text(" ").text(info.dli_sname).text("+").number(
-          static_cast<const char*>(caller) - static_cast<const char*>(info.dli_saddr));
+      line.text(" ")
+          .text(info.dli_sname)
+          .text("+")
+          .number(static_cast<const char*>(caller) - static_cast<const char*>(info.dli_saddr));
     }
     if (info.dli_fname != nullptr) line.text(" (").text(info.dli_fname).text(")");
   }

@@ -43,7 +43,7 @@ void fill_wide_text(wchar_t* dest, size_t count);
 }  // namespace plx::twin
 
 #define PLX_SIZE(name) \
-  ::plx::twin::Size { #name, static_cast<long long>(name) }
+  ::plx::twin::Size { #name, static_cast < long long>(name) }
 
 #define PLX_CALLER __builtin_extract_return_addr(__builtin_return_address(0))
 
@@ -67,9 +67,8 @@ void fill_wide_text(wchar_t* dest, size_t count);
 #define PLX_NOTHING static_cast<void>(0)
 
 // Functions that answer with an errno_t.
-#define PLX_TWIN_ERRNO(function, parameters, arguments, sizes, used)                        \
-  PLX_TWIN_(errno_t, function, #function, parameters, arguments, result != 0, result, sizes, \
-            used)
+#define PLX_TWIN_ERRNO(function, parameters, arguments, sizes, used) \
+  PLX_TWIN_(errno_t, function, #function, parameters, arguments, result != 0, result, sizes, used)
 // Functions that answer below 0.
 #define PLX_TWIN_INT(function, symbol, parameters, arguments, sizes, used) \
   PLX_TWIN_(int, function, symbol, parameters, arguments, result < 0, result, sizes, used)

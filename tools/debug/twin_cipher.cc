@@ -34,17 +34,15 @@ PLX_TWIN_BELOW_1(PLX_AesDecry, "_Z12PLX_AesDecryPKcPci",
 
 extern "C" {
 
-#define PLX_TWIN_SEAL(function, parameters, arguments)                                 \
-  PLX_TWIN_INT(function, #function, parameters, arguments,                             \
-               (PLX_SIZE(inLen), PLX_SIZE(outSize)),                                   \
+#define PLX_TWIN_SEAL(function, parameters, arguments)                                           \
+  PLX_TWIN_INT(function, #function, parameters, arguments, (PLX_SIZE(inLen), PLX_SIZE(outSize)), \
                fill_text(out, static_cast<size_t>(outSize)))
-#define PLX_TWIN_OPEN(function, parameters, arguments)                                 \
-  PLX_TWIN_INT(function, #function, parameters, arguments,                             \
-               (PLX_SIZE(inLen), PLX_SIZE(outSize)),                                   \
+#define PLX_TWIN_OPEN(function, parameters, arguments)                                           \
+  PLX_TWIN_INT(function, #function, parameters, arguments, (PLX_SIZE(inLen), PLX_SIZE(outSize)), \
                fill_text(out, static_cast<size_t>(outSize)))
 PLX_TWIN_SEAL(PLX_aesCbcEncryptByKey,
-              (const unsigned char* in, int inLen, char* out, int outSize,
-               const unsigned char* key, AES_CBC_TYPE type),
+              (const unsigned char* in, int inLen, char* out, int outSize, const unsigned char* key,
+               AES_CBC_TYPE type),
               (in, inLen, out, outSize, key, type))
 PLX_TWIN_SEAL(PLX_aesCbcEncryptByRandomKey,
               (const unsigned char* in, int inLen, char* out, int outSize),
@@ -60,9 +58,9 @@ PLX_TWIN_OPEN(PLX_aesCbcDecryptByRandomKey, (const char* in, int inLen, char* ou
 PLX_TWIN_OPEN(PLX_aesCbcDecrypt, (const char* in, int inLen, char* out, int outSize),
               (in, inLen, out, outSize))
 
-#define PLX_TWIN_VECTOR(function)                                                      \
+#define PLX_TWIN_VECTOR(function)                                                            \
   PLX_TWIN_(unsigned char*, function, #function, (unsigned char* dst, unsigned int dstSize), \
-            (dst, dstSize), result == nullptr, result, (PLX_SIZE(dstSize)),                 \
+            (dst, dstSize), result == nullptr, result, (PLX_SIZE(dstSize)),                  \
             fill_bytes(dst, dstSize, 16))
 PLX_TWIN_VECTOR(getVectorForSTBEncyptInitKey)
 PLX_TWIN_VECTOR(getVectorForCipherPrefixInitKey)

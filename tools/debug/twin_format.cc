@@ -29,8 +29,7 @@ PLX_TWIN_INT(securec_woutput_s, "securec_woutput_s",
 
 PLX_TWIN_INT(vsscanf_s, "vsscanf_s", (const char* buffer, const char* format, va_list args),
              (buffer, format, args), (), PLX_NOTHING)
-PLX_TWIN_INT(vswscanf_s, "vswscanf_s",
-             (const wchar_t* buffer, const wchar_t* format, va_list args),
+PLX_TWIN_INT(vswscanf_s, "vswscanf_s", (const wchar_t* buffer, const wchar_t* format, va_list args),
              (buffer, format, args), (), PLX_NOTHING)
 PLX_TWIN_INT(vscanf_s, "vscanf_s", (const char* format, va_list args), (format, args), (),
              PLX_NOTHING)
@@ -43,20 +42,20 @@ PLX_TWIN_INT(vfwscanf_s, "vfwscanf_s", (FILE * stream, const wchar_t* format, va
 
 // PLX_TWIN_LIST(function, real form, its type, (parameters), last parameter, (arguments), (sizes),
 // used): a function that ends in "...".
-#define PLX_TWIN_LIST(function, list_form, Form, parameters, last, arguments, sizes, used)     \
-  int function parameters {                                                                    \
-    static const auto next = reinterpret_cast<Form>(::plx::twin::find_next(list_form));        \
-    va_list args;                                                                              \
-    va_start(args, last);                                                                      \
-    const int result = next arguments;                                                         \
-    va_end(args);                                                                              \
-    if (result < 0) {                                                                          \
-      ::plx::twin::log_refusal(PLX_CALLER, #function, ::plx::twin::code_name(result),          \
-                               {PLX_UNPACK sizes});                                            \
-    } else if (::plx::twin::fills()) {                                                         \
-      used;                                                                                    \
-    }                                                                                          \
-    return result;                                                                             \
+#define PLX_TWIN_LIST(function, list_form, Form, parameters, last, arguments, sizes, used) \
+  int function parameters {                                                                \
+    static const auto next = reinterpret_cast<Form>(::plx::twin::find_next(list_form));    \
+    va_list args;                                                                          \
+    va_start(args, last);                                                                  \
+    const int result = next arguments;                                                     \
+    va_end(args);                                                                          \
+    if (result < 0) {                                                                      \
+      ::plx::twin::log_refusal(PLX_CALLER, #function, ::plx::twin::code_name(result),      \
+                               {PLX_UNPACK sizes});                                        \
+    } else if (::plx::twin::fills()) {                                                     \
+      used;                                                                                \
+    }                                                                                      \
+    return result;                                                                         \
   }
 
 PLX_TWIN_LIST(sprintf_s, "vsprintf_s", decltype(&vsprintf_s),
@@ -80,9 +79,8 @@ PLX_TWIN_LIST(scanf_s, "vscanf_s", decltype(&vscanf_s), (const char* format, ...
               (format, args), (), PLX_NOTHING)
 PLX_TWIN_LIST(wscanf_s, "vwscanf_s", decltype(&vwscanf_s), (const wchar_t* format, ...), format,
               (format, args), (), PLX_NOTHING)
-PLX_TWIN_LIST(fscanf_s, "vfscanf_s", decltype(&vfscanf_s),
-              (FILE * stream, const char* format, ...), format, (stream, format, args), (),
-              PLX_NOTHING)
+PLX_TWIN_LIST(fscanf_s, "vfscanf_s", decltype(&vfscanf_s), (FILE * stream, const char* format, ...),
+              format, (stream, format, args), (), PLX_NOTHING)
 PLX_TWIN_LIST(fwscanf_s, "vfwscanf_s", decltype(&vfwscanf_s),
               (FILE * stream, const wchar_t* format, ...), format, (stream, format, args), (),
               PLX_NOTHING)

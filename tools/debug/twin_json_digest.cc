@@ -38,14 +38,14 @@ PLX_TWIN_INT(PLX_sha256_encoder_buf, "PLX_sha256_encoder_buf",
              (const unsigned char* data, int len, char* out, int outSize),
              (data, len, out, outSize), (PLX_SIZE(len), PLX_SIZE(outSize)), PLX_FILL_DIGITS)
 PLX_TWIN_INT(PLX_sha256_encoder_file, "PLX_sha256_encoder_file",
-             (const char* path, char* out, int outSize), (path, out, outSize),
-             (PLX_SIZE(outSize)), PLX_FILL_DIGITS)
+             (const char* path, char* out, int outSize), (path, out, outSize), (PLX_SIZE(outSize)),
+             PLX_FILL_DIGITS)
 PLX_TWIN_INT(PLX_md5_encoder_buf, "PLX_md5_encoder_buf",
              (const void* data, unsigned int len, char* out, int outSize),
              (data, len, out, outSize), (PLX_SIZE(len), PLX_SIZE(outSize)), PLX_FILL_DIGITS)
 PLX_TWIN_INT(PLX_md5_encoder_file, "PLX_md5_encoder_file",
-             (const char* path, char* out, int outSize), (path, out, outSize),
-             (PLX_SIZE(outSize)), PLX_FILL_DIGITS)
+             (const char* path, char* out, int outSize), (path, out, outSize), (PLX_SIZE(outSize)),
+             PLX_FILL_DIGITS)
 PLX_TWIN_(unsigned char*, stunHMAC, "stunHMAC",
           (unsigned char* out, const unsigned char* data, size_t dataLen, const void* key,
            int keyLen),

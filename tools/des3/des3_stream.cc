@@ -78,8 +78,7 @@ size_t padding_of(const Secret& text, size_t size) {
 
 bool ends_in_zero_block(const Secret& text, size_t size) {
   const auto end = text.begin() + static_cast<long>(size);
-  return size >= kBlock &&
-         std::all_of(end - kBlock, end, [](unsigned char c) { return c == 0; });
+  return size >= kBlock && std::all_of(end - kBlock, end, [](unsigned char c) { return c == 0; });
 }
 
 // How much of the last piece is text.
@@ -112,9 +111,9 @@ void des3_decrypt(const std::string& source, const Secret& keys, Des3End end) {
     return;
   }
   if (size % kBlock != 0 || size == 0) {
-    refuse(fmt::format("{}: the cipher text is no whole number of blocks of 8 bytes",
-                       name_of(source)),
-           "it may have been cut");
+    refuse(
+        fmt::format("{}: the cipher text is no whole number of blocks of 8 bytes", name_of(source)),
+        "it may have been cut");
   }
   put_front(last, text_size(last, size, end));
 }

@@ -10,10 +10,10 @@ namespace plx::tool {
 
 // How a decrypted text ends.
 enum class Des3End {
-  kAsItComes,   // all that the library writes: padding, and the block that it appends itself
-  kPadding,     // 1 to 7 bytes of padding are stripped
-  kZeroBlock,   // the block of zeros behind a whole number of blocks is dropped
-  kEither,      // whichever of the two is there
+  kAsItComes,  // all that the library writes: padding, and the block that it appends itself
+  kPadding,    // 1 to 7 bytes of padding are stripped
+  kZeroBlock,  // the block of zeros behind a whole number of blocks is dropped
+  kEither,     // whichever of the two is there
 };
 
 // `keys` are 16 or 24 bytes. Both write to standard output as they go.

@@ -137,9 +137,9 @@ std::string Shard::suffix() const {
 Shard parse_shard(const std::string& text) {
   const size_t slash = text.find('/');
   const auto number = [&](const std::string& digits) -> unsigned {
-    const bool valid = !digits.empty() && digits.size() <= 6 &&
-                       std::all_of(digits.begin(), digits.end(),
-                                   [](char c) { return c >= '0' && c <= '9'; });
+    const bool valid =
+        !digits.empty() && digits.size() <= 6 &&
+        std::all_of(digits.begin(), digits.end(), [](char c) { return c >= '0' && c <= '9'; });
     return valid ? static_cast<unsigned>(std::stoul(digits)) : 0;
   };
   Shard shard;

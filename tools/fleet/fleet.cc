@@ -103,8 +103,7 @@ void settle(const FleetPlan& plan, const std::vector<Report>& batch, Manifest* m
 }
 
 // Runs the workers to their end and settles what they make.
-Tally run_workers(const FleetPlan& plan, const SeenTable& seen, uint64_t rows,
-                  Manifest* manifest) {
+Tally run_workers(const FleetPlan& plan, const SeenTable& seen, uint64_t rows, Manifest* manifest) {
   Tally tally;
   Progress progress("boxes", rows, Progress::Unit::kBoxes, true);
   Workers workers(plan, seen);
@@ -135,13 +134,12 @@ Tally run_workers(const FleetPlan& plan, const SeenTable& seen, uint64_t rows,
 }
 
 void report_tally(const FleetPlan& plan, const Tally& tally, double seconds) {
-  fmt::print("{} rows{}: {} boxes {}, {} there before, {} bad; {:.1f} s, {:.0f} boxes/s\n",
-             tally.total(),
-             plan.shard.count == 1 ? ""
-                                   : fmt::format(" of shard {}/{}", plan.shard.index,
-                                                 plan.shard.count),
-             tally.made, plan.dry_run ? "to make" : "made", tally.kept, tally.bad, seconds,
-             seconds > 0 ? static_cast<double>(tally.made) / seconds : 0);
+  fmt::print(
+      "{} rows{}: {} boxes {}, {} there before, {} bad; {:.1f} s, {:.0f} boxes/s\n", tally.total(),
+      plan.shard.count == 1 ? ""
+                            : fmt::format(" of shard {}/{}", plan.shard.index, plan.shard.count),
+      tally.made, plan.dry_run ? "to make" : "made", tally.kept, tally.bad, seconds,
+      seconds > 0 ? static_cast<double>(tally.made) / seconds : 0);
   if (tally.bad != 0) {
     refuse(fmt::format("{} of {} rows are bad; all others are done", tally.bad, tally.total()),
            "correct these rows and run the same command again");

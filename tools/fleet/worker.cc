@@ -3,8 +3,8 @@
 #include <errno.h>
 #include <fcntl.h>
 #include <fmt/core.h>
-#include <poll.h>
 #include <plx/securec.h>
+#include <poll.h>
 #include <signal.h>
 #include <string.h>
 #include <sys/mman.h>

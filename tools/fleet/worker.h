@@ -25,7 +25,7 @@ struct Report {
   uint64_t row;
   Kind kind;
   char id[64];
-  char factor_digest[65];    // hexadecimal, with terminator
+  char factor_digest[65];  // hexadecimal, with terminator
   char work_key_digest[65];
   char text[300];
 };

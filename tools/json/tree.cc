@@ -20,8 +20,8 @@ std::vector<Entry> entries_of(const PLX_JsonValue* value) {
   std::vector<Entry> entries;
   if (const PLX_JsonObject* object = PLX_GetJsonValueObject(value)) {
     for (int i = 0; i < PLX_JsonGetObjectCount(object); ++i) {
-      entries.push_back({PLX_JsonObjectGetStringByIndex(object, i),
-                         PLX_JsonObjectGetValueByIndex(object, i)});
+      entries.push_back(
+          {PLX_JsonObjectGetStringByIndex(object, i), PLX_JsonObjectGetValueByIndex(object, i)});
     }
   } else if (const PLX_JsonArray* array = PLX_GetJsonValueArray(value)) {
     for (int i = 0; i < PLX_JsonGetArrayCount(array); ++i) {
@@ -37,9 +37,9 @@ std::string describe(const PLX_JsonValue* value) {
   }
   const size_t count = entries_of(value).size();
   const bool object = value->type == PLX_JSON_OBJECT;
-  return fmt::format("{} of {} {}", object ? "object" : "array", count,
-                     object ? (count == 1 ? "member" : "members")
-                            : (count == 1 ? "element" : "elements"));
+  return fmt::format(
+      "{} of {} {}", object ? "object" : "array", count,
+      object ? (count == 1 ? "member" : "members") : (count == 1 ? "element" : "elements"));
 }
 
 void draw_below(const PLX_JsonValue* value, const std::string& indent, std::string* out) {

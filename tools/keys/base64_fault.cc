@@ -33,7 +33,8 @@ Base64Fault find_base64_fault(std::string_view text) {
       ++characters;
     }
   }
-  if ((characters + padding) % 4 != 0) return fault_at(text.size(), "the end of an unfinished group");
+  if ((characters + padding) % 4 != 0)
+    return fault_at(text.size(), "the end of an unfinished group");
   return {};
 }
 

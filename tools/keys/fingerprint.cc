@@ -16,11 +16,13 @@ namespace {
 
 using VectorFunction = unsigned char* (*)(unsigned char*, unsigned int);
 
-constexpr VectorFunction kVectors[] = {
-    getVectorForSTBEncyptInitKey,       getVectorForCipherPrefixInitKey,
-    getVectorForWhiteListInitKey,       getVectorForPVRFileInitKey,
-    getVectorForEPGProfileEncyptInitKey, getVectorForUpdateSTBInitKey,
-    getInitVector};
+constexpr VectorFunction kVectors[] = {getVectorForSTBEncyptInitKey,
+                                       getVectorForCipherPrefixInitKey,
+                                       getVectorForWhiteListInitKey,
+                                       getVectorForPVRFileInitKey,
+                                       getVectorForEPGProfileEncyptInitKey,
+                                       getVectorForUpdateSTBInitKey,
+                                       getInitVector};
 
 // The key suffix alone; with the IV suffix; with the default IV prefix as well.
 constexpr const char* kRequests[] = {

@@ -54,9 +54,8 @@ Secret seal_with_iv(const Secret& plain, const Secret& key, const Secret& iv) {
   aes.pszText = reinterpret_cast<char*>(text.data());
   Secret blob = iv;
   blob.resize(kIvSize + plain.size() + 16);
-  const int size =
-      PLX_AesEncryByMode(&aes, reinterpret_cast<char*>(blob.data()) + kIvSize,
-                         static_cast<int>(blob.size() - kIvSize));
+  const int size = PLX_AesEncryByMode(&aes, reinterpret_cast<char*>(blob.data()) + kIvSize,
+                                      static_cast<int>(blob.size() - kIvSize));
   wipe(&aes, sizeof aes);
   if (size < 1) refuse("the library could not seal the work key");
   blob.resize(kIvSize + static_cast<size_t>(size));

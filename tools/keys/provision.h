@@ -11,9 +11,9 @@
 namespace plx::tool {
 
 struct KeyRecipe {
-  Secret factor;    // empty: random
-  Secret iv;        // empty: random
-  Secret work_key;  // empty: generated
+  Secret factor;                // empty: random
+  Secret iv;                    // empty: random
+  Secret work_key;              // empty: generated
   size_t generated_length = 0;  // 0: the usual one
   Access access;
   bool force = false;  // replace existing files

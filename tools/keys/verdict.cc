@@ -78,8 +78,8 @@ Finding judge_factor(const std::string& path) {
 // What the blob of a work-key file lacks, up to the point where only the key can tell.
 Finding judge_blob(const std::string& path, size_t size) {
   if (size < kIvSize) {
-    return {path, "too short", fmt::format("{} bytes decoded, and the IV alone has {}", size, kIvSize),
-            kWriteAnew};
+    return {path, "too short",
+            fmt::format("{} bytes decoded, and the IV alone has {}", size, kIvSize), kWriteAnew};
   }
   const size_t cipher_text = size - kIvSize;
   if (cipher_text == 0 || cipher_text % 16 != 0) {
@@ -100,7 +100,8 @@ Finding judge_work_key(int index, const std::string& path, bool box_given) {
   finding = judge_blob(path, blob.size());
   if (finding.found()) return finding;
   if (blob.size() > longest_work_key(index) + 2 * kIvSize) {
-    return {path, "too long", fmt::format("its readers take {} characters", longest_work_key(index)),
+    return {path, "too long",
+            fmt::format("its readers take {} characters", longest_work_key(index)),
             "provision a shorter work key"};
   }
   std::string why = "factor, work-key file and the secrets of this build do not belong together";

@@ -21,9 +21,9 @@ struct Finding {
 
 struct KeyVerdict {
   int index;
-  bool loads = false;            // the library's own answer
-  size_t length = 0;             // of the work key, in characters
-  Finding finding;               // why it does not load
+  bool loads = false;                 // the library's own answer
+  size_t length = 0;                  // of the work key, in characters
+  Finding finding;                    // why it does not load
   std::vector<std::string> warnings;  // it loads, but perhaps not as meant
 };
 

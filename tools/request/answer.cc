@@ -33,8 +33,7 @@ Answer encrypt_request(const std::string& request) {
   Answer answer;
   answer.text.assign(kCipherTextRoom + kMargin, kPattern);
   answer.result = PLX_AesEncry(request.c_str(), reinterpret_cast<char*>(answer.text.data()));
-  const auto end =
-      std::find_if_not(answer.text.begin(), answer.text.end(), is_upper_hex);
+  const auto end = std::find_if_not(answer.text.begin(), answer.text.end(), is_upper_hex);
   answer.text.erase(end, answer.text.end());
   answer.produced = answer.result == 1 && !answer.text.empty();
   return answer;

@@ -64,8 +64,8 @@ bool explain_padding(const PLX_JsonValue* tree, Explanation* out) {
     return true;
   }
   if (member.text != "PKCS5Padding") {
-    return out->stop(name, fmt::format("'{}' is neither PKCS5Padding nor empty",
-                                       printable(member.text)));
+    return out->stop(name,
+                     fmt::format("'{}' is neither PKCS5Padding nor empty", printable(member.text)));
   }
   out->padding = 1;
   out->say(name, "PKCS5Padding");
@@ -107,8 +107,8 @@ void note_member(const char* name, const Member& member, Explanation* out) {
     out->odd(name, "is an object or array, which counts as present with an empty text");
   }
   if (member.cut()) {
-    out->odd(name, fmt::format("cut from {} to {} characters", member.full_length,
-                               member.text.size()));
+    out->odd(name,
+             fmt::format("cut from {} to {} characters", member.full_length, member.text.size()));
   }
 }
 
@@ -119,12 +119,13 @@ bool explain_mode(const PLX_JsonValue* tree, Explanation* out) {
   if (member.text == "CBC") {
     out->mode = 1;
   } else if (!member.text.empty() && member.text != "ECB") {
-    return out->stop(name, fmt::format("'{}' is neither ECB nor CBC, in capitals",
-                                       printable(member.text)));
+    return out->stop(
+        name, fmt::format("'{}' is neither ECB nor CBC, in capitals", printable(member.text)));
   }
-  out->say(name, out->mode == 1         ? "CBC"
-                 : member.text == "ECB" ? "ECB"
-                                        : fmt::format("{}: ECB", member.found ? "empty" : "absent"));
+  out->say(name, out->mode == 1 ? "CBC"
+                 : member.text == "ECB"
+                     ? "ECB"
+                     : fmt::format("{}: ECB", member.found ? "empty" : "absent"));
   return true;
 }
 

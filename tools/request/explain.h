@@ -32,7 +32,7 @@ struct Explanation {
   // What the request asks for, as far as it has been read.
   unsigned mode = 0;  // 0 ECB, 1 CBC
   int bits = 0;
-  int padding = 0;  // 1 PKCS#5, 2 none
+  int padding = 0;         // 1 PKCS#5, 2 none
   std::string key_prefix;  // empty when the key store brings it
   std::string iv_prefix;
 

@@ -13,7 +13,7 @@
 namespace plx::tool {
 namespace {
 
-constexpr size_t kKeyRoom = 32;    // of the field that takes prefix, suffix and terminator
+constexpr size_t kKeyRoom = 32;  // of the field that takes prefix, suffix and terminator
 constexpr size_t kSuffixSize = 4;
 const char kName[] = "cipherPrefix";
 
@@ -25,12 +25,14 @@ std::string shown(const std::string& secret, const Explanation& out) {
 void explain_suffix(size_t prefix, Explanation* out) {
   const size_t needed = static_cast<size_t>(out->bits) / 8;
   if (prefix >= kKeyRoom) {
-    out->odd("key", "a prefix of 32 characters and more is dropped: the key is the suffix and zeros");
+    out->odd("key",
+             "a prefix of 32 characters and more is dropped: the key is the suffix and zeros");
     return;
   }
   if (prefix + kSuffixSize >= kKeyRoom) {
-    out->odd("key", "prefix and suffix leave no room for the terminator, so that the first byte "
-                    "of the key becomes zero");
+    out->odd("key",
+             "prefix and suffix leave no room for the terminator, so that the first byte "
+             "of the key becomes zero");
     return;
   }
   const size_t length = prefix + kSuffixSize;
@@ -38,8 +40,8 @@ void explain_suffix(size_t prefix, Explanation* out) {
     out->odd("key", fmt::format("the prefix alone fills the {} bytes; {}the suffix is not used",
                                 needed, prefix > needed ? "its rest and " : ""));
   } else if (length > needed) {
-    out->odd("key", fmt::format("only {} of the 4 characters of the suffix are used",
-                                needed - prefix));
+    out->odd("key",
+             fmt::format("only {} of the 4 characters of the suffix are used", needed - prefix));
   } else if (length < needed) {
     out->odd("key", fmt::format("prefix and suffix have {} characters; zeros fill the other {}",
                                 length, needed - length));

@@ -36,26 +36,28 @@ size_t padding_of(const Secret& text) {
 }
 
 void note_digits(const std::string& digits, Explanation* out) {
-  const auto bad = std::count_if(digits.begin(), digits.end(),
-                                 [](unsigned char c) { return !is_hex(c); });
+  const auto bad =
+      std::count_if(digits.begin(), digits.end(), [](unsigned char c) { return !is_hex(c); });
   if (bad != 0) {
-    out->odd("cipherText", fmt::format("{} characters that are no hexadecimal digits count as 0",
-                                       bad));
+    out->odd("cipherText",
+             fmt::format("{} characters that are no hexadecimal digits count as 0", bad));
   }
   if (digits.size() % 2 != 0) {
-    out->odd("cipherText", "an odd number of digits: the last one is taken as the upper half of a "
-                           "byte");
+    out->odd("cipherText",
+             "an odd number of digits: the last one is taken as the upper half of a "
+             "byte");
   }
 }
 
 void explain_padded_decryption(const std::string& digits, size_t bytes, Explanation* out) {
-  const Secret raw = probe_raw_plain_text(out->mode, out->bits, out->key_prefix, out->iv_prefix,
-                                          digits);
+  const Secret raw =
+      probe_raw_plain_text(out->mode, out->bits, out->key_prefix, out->iv_prefix, digits);
   const size_t padding = raw.size() == bytes ? padding_of(raw) : 0;
   if (padding == 0) {
-    out->come_to_nothing("output", "the padding is not right (another key, another text): the call "
-                                   "answers 1, writes no plain text and zeroes the byte before the "
-                                   "caller's buffer");
+    out->come_to_nothing("output",
+                         "the padding is not right (another key, another text): the call "
+                         "answers 1, writes no plain text and zeroes the byte before the "
+                         "caller's buffer");
     return;
   }
   out->output = bytes - padding;
@@ -74,8 +76,8 @@ void explain_encryption(const PLX_JsonValue* tree, Explanation* out) {
   const size_t buffer = key_bytes * (1 + length / key_bytes);
   const size_t needed = round_down(length) + kBlock;
   out->room = 2 * needed;
-  out->say("room", fmt::format("the caller's buffer needs {} bytes; no terminator is written",
-                               out->room));
+  out->say("room",
+           fmt::format("the caller's buffer needs {} bytes; no terminator is written", out->room));
   if (needed > buffer) {
     out->come_to_nothing("output",
                          fmt::format("{} characters under a {}-bit key: the library's own buffer "
@@ -102,8 +104,9 @@ void explain_decryption(const PLX_JsonValue* tree, Explanation* out) {
   const size_t digits = member.text.size();
   const size_t bytes = (digits + 1) / 2;
   out->room = round_down(digits) + kBlock;
-  out->say("room", fmt::format("outSize must be at least {}: the digits are measured, not the bytes",
-                               out->room));
+  out->say("room",
+           fmt::format("outSize must be at least {}: the digits are measured, not the bytes",
+                       out->room));
   if (bytes == 0 && out->padding == 2) {
     out->stop("output", "nothing to decrypt and no padding: 0");
   } else if (bytes % kBlock != 0 || bytes == 0) {

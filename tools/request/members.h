@@ -17,10 +17,10 @@ std::optional<std::string> cut_to_braces(const std::string& request, size_t* sta
 
 struct Member {
   bool found = false;
-  bool container = false;   // found, but as an object or array: its text counts as empty
-  std::string text;         // as far as it is taken
-  size_t full_length = 0;   // of the text before the cut
-  std::string path;         // where the search met it
+  bool container = false;  // found, but as an object or array: its text counts as empty
+  std::string text;        // as far as it is taken
+  size_t full_length = 0;  // of the text before the cut
+  std::string path;        // where the search met it
   bool cut() const { return full_length > text.size(); }
 };
 

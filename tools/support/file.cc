@@ -194,8 +194,6 @@ std::string read_whole(const std::string& source, size_t limit) {
   return data;
 }
 
-std::string name_of(const std::string& source) {
-  return source == "-" ? "standard input" : source;
-}
+std::string name_of(const std::string& source) { return source == "-" ? "standard input" : source; }
 
 }  // namespace plx::tool

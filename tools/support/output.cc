@@ -14,11 +14,11 @@ namespace {
 size_t utf8_length(std::string_view text) {
   const auto byte = [&](size_t i) { return static_cast<unsigned char>(text[i]); };
   const unsigned char first = byte(0);
-  const size_t length = first < 0x80              ? 1
-                        : (first & 0xE0) == 0xC0  ? 2
-                        : (first & 0xF0) == 0xE0  ? 3
-                        : (first & 0xF8) == 0xF0  ? 4
-                                                  : 0;
+  const size_t length = first < 0x80             ? 1
+                        : (first & 0xE0) == 0xC0 ? 2
+                        : (first & 0xF0) == 0xE0 ? 3
+                        : (first & 0xF8) == 0xF0 ? 4
+                                                 : 0;
   if (length == 0 || length > text.size()) return 0;
   for (size_t i = 1; i < length; ++i) {
     if ((byte(i) & 0xC0) != 0x80) return 0;

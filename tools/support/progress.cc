@@ -43,8 +43,8 @@ void Progress::update(uint64_t done) {
 std::string Progress::describe(uint64_t done, double seconds) const {
   const double rate = seconds > 0 ? static_cast<double>(done) / seconds : 0;
   std::string line = unit_ == Unit::kBytes
-                         ? fmt::format("{}: {}, {}/s", label_,
-                                       size_text(static_cast<double>(done)), size_text(rate))
+                         ? fmt::format("{}: {}, {}/s", label_, size_text(static_cast<double>(done)),
+                                       size_text(rate))
                          : fmt::format("{}: {} of {}, {:.0f}/s", label_, done, total_, rate);
   if (total_ != 0 && rate > 0) {
     const double left = static_cast<double>(total_ - (done < total_ ? done : total_)) / rate;

@@ -16,8 +16,7 @@ InputStream::InputStream(const std::string& source)
   struct stat info;
   if (fd_ < 0 || fstat(fd_, &info) != 0) system_failure(name_, errno);
   const uint64_t size = S_ISREG(info.st_mode) ? static_cast<uint64_t>(info.st_size) : 0;
-  progress_ =
-      std::make_unique<Progress>(name_, size, Progress::Unit::kBytes, size > kLongFile);
+  progress_ = std::make_unique<Progress>(name_, size, Progress::Unit::kBytes, size > kLongFile);
 }
 
 InputStream::~InputStream() {
