@@ -48,3 +48,8 @@ if(PLX_SANITIZE)
   endif()
   add_link_options(-fsanitize=${PLX_SANITIZE})
 endif()
+
+# The fuzz targets steer by the library's coverage.
+if(PLX_BUILD_FUZZERS)
+  target_compile_options(plx_library_options INTERFACE -fsanitize=fuzzer-no-link)
+endif()

@@ -32,6 +32,8 @@ endfunction()
 function(plx_add_host_test name)
   add_executable(${name} ${ARGN})
   target_link_libraries(${name} PRIVATE plxutility GTest::gtest_main plx_warnings)
+  # The debugging twin is tried in front of each of them.
+  set_property(GLOBAL APPEND PROPERTY PLX_HOST_TESTS ${name})
   gtest_discover_tests(${name} TEST_PREFIX "${name}." DISCOVERY_TIMEOUT 60
                        PROPERTIES TIMEOUT 300)
 endfunction()

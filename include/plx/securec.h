@@ -248,6 +248,110 @@ PLX_API int securec_woutput_s(SecurecWideOutputStream* stream, const wchar_t* fo
 
 /* ---- Formatted input ------------------------------------------------------------------------ */
 
+/* The scanning functions read text by a format, from a string (sscanf_s), from standard input
+ * (scanf_s) or from a file (fscanf_s), and store what the conversions read. Formats are those of
+ * ISO/IEC 9899 scanf, with one argument more: the destination of %s, %c and %[ is followed by its
+ * size, an `unsigned int` that counts characters of the destination (bytes, or wide characters).
+ *
+ *     char word[16];
+ *     int number;
+ *     sscanf_s(line, "%15s %d", word, (unsigned)sizeof word, &number);
+ *
+ * Results. The number of fields assigned. -1 when the format, the text or the stream is null, the
+ * text is empty or longer than INT_MAX, the input ends before a conversion or an ordinary character
+ * and nothing was assigned, or a destination is null (even if fields before it were assigned).
+ * Fields assigned before a failure keep their values.
+ *
+ * Directives. White space matches any amount of white space. An ordinary character and "%%" match
+ * themselves; no white space is skipped for them. A conversion is '%', an optional '*' (read and do
+ * not assign), an optional width (0 is none), modifiers and a letter. All but %c, %[ and %n skip
+ * white space first. A letter in the other case is the same, but for %C and %S. Anything else after
+ * '%' ends the scan, and so does a set without its ']'.
+ *
+ *   d u      decimal                   a sign may stand before every number; it negates an unsigned
+ *   o        octal                     one. x, p and i take a "0x" that a digit follows; a sign or
+ *   x p      hexadecimal               "0x" alone is no number. A number is gathered in 64 bits and
+ *   i        by prefix: 0x, 0, none    stays at the largest or smallest of these (signed for d and
+ *                                      i); the low bits that the destination holds are stored
+ *   e f g    floating point: digits, the locale's point, an exponent, which may lack its digits.
+ *            No infinity, NaN or hexadecimal number. strtod gives the value, also for the other
+ *            two types
+ *   s        characters other than white space, and a terminator
+ *   [        characters in the set, or not in it after "[^", and a terminator. ']' in the first
+ *            place is a member, and '-' in the first or last. "a-z" is a range; of a reversed
+ *            one like "z-a" its two ends and the '-' are members, no others
+ *   c        as many characters as the width says (1), no terminator. At the end of the input it
+ *            may be fewer
+ *   n        stores the number of characters taken so far; it is not counted as a field
+ *
+ *   Modifier     integers, %n            floating point   text
+ *   none         int                     float            char; %C and %S wchar_t
+ *   hh, h        char, short             float            char
+ *   l            long                    double           wchar_t
+ *   t, z         long (ptrdiff_t)        double
+ *   ll, L, j, q  64 bits                 long double      ll: wchar_t
+ *   I64, I32     64 bits, 32 bits
+ *   I            size of a pointer; only before d, i, o, u, x and X, else the letter i
+ *   w                                                     wchar_t
+ *   F, N         no effect; a modifier if a modifier or a letter follows, else the letter itself
+ * %p always stores a pointer.
+ *
+ * Sizes. When a text does not fit, its first character becomes 0 and the scan ends with the fields
+ * before it; the character that did not fit is not taken. %s and %[ need one character of the size
+ * for the terminator. A size of 0 stores a 0 all the same: there must be one character. A size
+ * above SECURE_MEM_LIMIT (wide: SECURE_WCHAR_LIMIT) ends the scan. A text of no characters is a
+ * mismatch and leaves its destination as it is.
+ *
+ * Other widths. Text of one width is converted into a destination of the other as the locale says,
+ * each character on its own: every byte of a longer character, and everything that has no
+ * counterpart, becomes '?'. Narrow input knows the white space of ASCII, wide input that of
+ * iswspace.
+ *
+ * A text with a NUL cannot be read from a string; from a stream it is an ordinary character. */
+
+/* sscanf_s reads the string `buffer`, whose length is measured first. An empty one gives -1 and
+ * empties the destination of a first conversion by c, s or [, see clearDestBuf. swscanf_s does the
+ * same for wide text. */
+PLX_API int sscanf_s(const char* buffer, const char* format, ...);
+PLX_API int vsscanf_s(const char* buffer, const char* format, va_list args);
+PLX_API int swscanf_s(const wchar_t* buffer, const wchar_t* format, ...);
+PLX_API int vswscanf_s(const wchar_t* buffer, const wchar_t* format, va_list args);
+
+/* scanf_s reads standard input by fgetc, wscanf_s by fgetwc. Nothing is read that the format does
+ * not ask for, and what was looked at but not taken is given back to the stream. */
+PLX_API int scanf_s(const char* format, ...);
+PLX_API int vscanf_s(const char* format, va_list args);
+PLX_API int wscanf_s(const wchar_t* format, ...);
+PLX_API int vwscanf_s(const wchar_t* format, va_list args);
+
+/* fscanf_s reads `stream` in chunks of 1024 bytes, held on the heap for the time of the call (the
+ * input is at its end when there is no memory), and leaves it just behind the last character taken.
+ * Of a stream without a position, such as a pipe, it reads one character at a time and gives back
+ * what was not taken by ungetc. A UTF-8 byte-order mark where the call starts to read is passed
+ * over; %n does not count it.
+ * fwscanf_s takes each character from the bytes of a wchar_t, whatever the locale, and removes the
+ * bytes FF FE or FE FF where it starts; the order of bytes is not changed by them. */
+PLX_API int fscanf_s(FILE* stream, const char* format, ...);
+PLX_API int vfscanf_s(FILE* stream, const char* format, va_list args);
+PLX_API int fwscanf_s(FILE* stream, const wchar_t* format, ...);
+PLX_API int vfwscanf_s(FILE* stream, const wchar_t* format, va_list args);
+
+/* clearDestBuf is the step of sscanf_s for an empty text: if the first '%' of `format` starts an
+ * assigned conversion by c, s or [ (with no other modifiers than h, l and w), a 0 is stored at its
+ * destination, the first in `args`, unless that is null or its size is 0 or above INT_MAX. A wide
+ * destination gets a wide 0 if its size is at least 4, else one byte. `buffer` is not looked at.
+ * clearwDestBuf takes a wide format. */
+PLX_API void clearDestBuf(const char* buffer, const char* format, va_list args);
+PLX_API void clearwDestBuf(const wchar_t* buffer, const wchar_t* format, va_list args);
+
+/* The engines behind these functions, and their records of a source of characters, which only the
+ * library makes. They return the number of fields, -1 when the input ended before anything was
+ * assigned (or an argument is null), and -2 for a null destination. */
+typedef struct SecureInputSource SecureInputSource;
+typedef struct SecureWideInputSource SecureWideInputSource;
+PLX_API int securec_input_s(SecureInputSource* source, const char* format, va_list args);
+PLX_API int securec_winput_s(SecureWideInputSource* source, const wchar_t* format, va_list args);
+
 PLX_END_DECLS
 
 #endif

@@ -46,18 +46,24 @@ TEST(Memory, FillRefusals) {
     size_t filled;  // bytes that hold the value afterwards
   };
   const Row rows[] = {
-      {false, 10, 4, EOK, 4},         {false, 10, 10, EOK, 10},
-      {false, 10, 0, EOK, 0},         {false, 0, 0, EOK, 0},  // callers depend on this one
-      {false, 0, 1, ERANGE, 0},       {true, 0, 0, ERANGE, 0},
-      {true, 10, 1, EINVAL, 0},       {true, kTooLarge, 1, ERANGE, 0},
-      {false, 10, 11, ERANGE_CLEARED, 10}, {false, 10, kAllOnes, ERANGE_CLEARED, 10},
+      {false, 10, 4, EOK, 4},
+      {false, 10, 10, EOK, 10},
+      {false, 10, 0, EOK, 0},
+      {false, 0, 0, EOK, 0},  // callers depend on this one
+      {false, 0, 1, ERANGE, 0},
+      {true, 0, 0, ERANGE, 0},
+      {true, 10, 1, EINVAL, 0},
+      {true, kTooLarge, 1, ERANGE, 0},
+      {false, 10, 11, ERANGE_CLEARED, 10},
+      {false, 10, kAllOnes, ERANGE_CLEARED, 10},
       {false, kTooLarge, kAllOnes, ERANGE, 0},
   };
   for (const NamedFill& fill : kFills) {
     for (const Row& row : rows) {
       SCOPED_TRACE(testing::Message() << fill.name << " " << row.dst_size << " " << row.count);
       std::string image(16, '.');
-      EXPECT_EQ(row.code, fill.call(row.null_dst ? nullptr : &image[0], row.dst_size, 0x141, row.count) );
+      EXPECT_EQ(row.code,
+                fill.call(row.null_dst ? nullptr : &image[0], row.dst_size, 0x141, row.count));
       EXPECT_EQ(std::string(row.filled, 'A') + std::string(16 - row.filled, '.'), image);
     }
     std::string image(16, '.');

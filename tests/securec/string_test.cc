@@ -108,7 +108,9 @@ TYPED_TEST(Strings, AgreeWithTheModelInEveryArrangement) {
   using Char = TypeParam;
   constexpr size_t kArena = 20, kTail = 44;
   std::mt19937 random(1);
-  const auto below = [&](size_t n) { return std::uniform_int_distribution<size_t>(0, n - 1)(random); };
+  const auto below = [&](size_t n) {
+    return std::uniform_int_distribution<size_t>(0, n - 1)(random);
+  };
   size_t codes[256] = {};
   for (int round = 0; round < 200000; ++round) {
     Char arena[kArena + kTail] = {};

@@ -1,0 +1,43 @@
+// How the benchmarks name what they measure. Each piece of work is a row; a row is measured for
+// the library ("plx"), for its named peer ("peer") and, where it helps, for further variants of
+// either ("plx:avx2", "peer:nettle"). bench/report.py reads the names, ROW@VARIANT, divides the
+// medians by the peer's and compares with bench/goals.csv.
+#ifndef PLX_BENCH_SUPPORT_H
+#define PLX_BENCH_SUPPORT_H
+
+#include <benchmark/benchmark.h>
+#include <stddef.h>
+
+#include <string>
+#include <utility>
+
+namespace plx_bench {
+
+// Measures `work`, one call an iteration. `bytes` per call, when given, yields a rate.
+template <typename Work>
+void add(const std::string& row, const std::string& variant, Work work, size_t bytes = 0) {
+  benchmark::RegisterBenchmark((row + "@" + variant).c_str(), [work = std::move(work), bytes](
+                                                                  benchmark::State& state) mutable {
+    for (auto _ : state) {
+      work();
+      benchmark::ClobberMemory();
+    }
+    if (bytes != 0) {
+      state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * bytes));
+    }
+  });
+}
+
+// The library against its peer.
+template <typename Ours, typename Peer>
+void compare(const std::string& row, Ours ours, Peer peer, size_t bytes = 0) {
+  add(row, "plx", std::move(ours), bytes);
+  add(row, "peer", std::move(peer), bytes);
+}
+
+// Each program registers its rows here.
+void register_benchmarks();
+
+}  // namespace plx_bench
+
+#endif
