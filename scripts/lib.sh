@@ -38,8 +38,8 @@ install_packages() {
     "${missing[@]}" >/dev/null || die "could not install: ${missing[*]}"
 }
 
-build_packages=(g++ cmake ninja-build libssl-dev libcli11-dev libfmt-dev)
-test_packages=(clang libclang-rt-14-dev libgtest-dev googletest openssl binutils
+build_packages=(g++ cmake ninja-build libssl-dev libcli11-dev libfmt-dev scdoc)
+test_packages=(clang libclang-rt-14-dev libgtest-dev googletest openssl binutils xxd parallel time
   g++-arm-linux-gnueabihf qemu-user-static)
 
 # The compiler cache is used where it is, and not asked for where it is not.
