@@ -59,3 +59,35 @@ build_preset() {
   fi
   rm -f "$log"
 }
+
+# unpack_packages ARCHITECTURE TARGET NAME...: unpacks Debian packages of any architecture into a
+# folder. The machine's own packages and package lists stay as they are. Nothing is asked of the
+# network when the folder holds just these already.
+unpack_packages() {
+  local architecture=$1 target=$2 work package
+  shift 2
+  [ "$(cat "$target/.unpacked" 2>/dev/null)" = "$*" ] && return
+  say "unpacking for $architecture: $*"
+  work=$(mktemp -d)
+  mkdir -p "$work/lists/partial" "$work/packages" "$target"
+  local apt=(apt-get -qq "-oAPT::Architecture=$architecture" "-oAPT::Architectures=$architecture"
+    "-oDir::State::Lists=$work/lists" -oAPT::Sandbox::User=root)
+  # A failed index is reported and does no harm as long as the packages are found.
+  "${apt[@]}" update >"$work/log" 2>&1 || true
+  (cd "$work/packages" && "${apt[@]}" download "$@" >>"$work/log" 2>&1) || {
+    cat "$work/log" >&2
+    rm -rf "$work"
+    die "could not fetch the $architecture packages: $*"
+  }
+  for package in "$work"/packages/*.deb; do
+    dpkg -x "$package" "$target"
+  done
+  printf '%s' "$*" >"$target/.unpacked"
+  rm -rf "$work"
+}
+
+# figure NAME VALUE: a figure for the table of scripts/verify.
+figure() {
+  printf '%s: %s\n' "$1" "$2"
+  [ -z "${PLX_FIGURES:-}" ] || printf '%s\t%s\n' "$1" "$2" >>"$PLX_FIGURES"
+}
