@@ -39,7 +39,7 @@ install_packages() {
 }
 
 build_packages=(g++ cmake ninja-build libssl-dev libcli11-dev libfmt-dev)
-test_packages=(clang libclang-rt-14-dev libgtest-dev googletest openssl binutils
+test_packages=(python3 pkg-config clang libclang-rt-14-dev libgtest-dev googletest openssl binutils
   g++-arm-linux-gnueabihf qemu-user-static)
 
 # The compiler cache is used where it is, and not asked for where it is not.

@@ -36,6 +36,7 @@ PLX_BEGIN_DECLS
 
 #ifndef PLX_ERRNO_T_DEFINED
 #define PLX_ERRNO_T_DEFINED
+/* errno_t holds one of the codes below. */
 typedef int errno_t;
 #endif
 
@@ -49,6 +50,7 @@ typedef int errno_t;
 #define SECURE_MEM_LIMIT 0x7FFFFFFFUL   /* largest size in bytes */
 #define SECURE_WCHAR_LIMIT 0x1FFFFFFFUL /* largest count of wide characters */
 
+/* What getQxSecureCVersion reports. */
 #define SECURE_C_VERSION_TEXT "Orvane Secure C V100R001C01SPC004"
 #define SECURE_C_VERSION_NUMBER 0x0504
 
