@@ -6,7 +6,14 @@
 #include <stddef.h>
 #include <stdlib.h>
 
+#include "securec/limits.h"
+
 namespace plx {
+
+// A block that its owner fills at once: as allocate_zeroed, but with indeterminate bytes.
+inline void* allocate_block(size_t size) {
+  return securec::is_valid_size(size) ? malloc(size) : nullptr;
+}
 
 // A zero-filled block; null for a size of 0, above 0x7FFFFFFF, or when memory is short.
 void* allocate_zeroed(size_t size);

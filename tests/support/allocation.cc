@@ -22,6 +22,8 @@ struct State {
   size_t seen;
   bool hit;
   long live;
+  void** frees;
+  size_t frees_room;
 };
 thread_local State state;
 
@@ -56,7 +58,13 @@ void* __wrap_realloc(void* block, size_t size) {
 }
 
 void __wrap_free(void* block) {
-  if (block != nullptr && state.active) --state.live;
+  if (block != nullptr && state.active) {
+    --state.live;
+    if (state.frees_room > 0) {
+      --state.frees_room;
+      *state.frees++ = block;
+    }
+  }
   __real_free(block);
 }
 
@@ -85,11 +93,15 @@ void operator delete[](void* block, size_t) noexcept { __wrap_free(block); }
 namespace plx_test {
 
 AllocationFault::AllocationFault(size_t fail_at, bool all_later) {
-  state = {true, fail_at, all_later, 0, false, 0};
+  state = {true, fail_at, all_later, 0, false, 0, nullptr, 0};
 }
 AllocationFault::~AllocationFault() { state.active = false; }
 size_t AllocationFault::allocations() const { return state.seen; }
 bool AllocationFault::hit() const { return state.hit; }
 long AllocationFault::live_blocks() const { return state.live; }
+void AllocationFault::record_frees(void** out, size_t room) {
+  state.frees = out;
+  state.frees_room = room;
+}
 
 }  // namespace plx_test

@@ -20,6 +20,9 @@ class AllocationFault {
   size_t allocations() const;  // asked for so far, failed ones included
   bool hit() const;            // something was made to fail
   long live_blocks() const;    // allocated minus freed since creation
+
+  // Notes the next `room` blocks that are freed, in their order; the rest of `out` stays.
+  void record_frees(void** out, size_t room);
 };
 
 // Calls `body` with the first, second, ... allocation failing until it runs without a failure.

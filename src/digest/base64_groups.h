@@ -1,0 +1,33 @@
+// Base64 by whole groups: three bytes on one side, four characters on the other. Both alphabets,
+// and the portable form of the seam that kernels implement.
+#ifndef PLX_SRC_DIGEST_BASE64_GROUPS_H
+#define PLX_SRC_DIGEST_BASE64_GROUPS_H
+
+#include <stddef.h>
+#include <stdint.h>
+
+namespace plx::digest {
+
+struct Base64Alphabet {
+  char digits[64];      // of each six-bit value
+  uint8_t values[256];  // of each character; kNoDigit for those outside the alphabet
+};
+constexpr uint8_t kNoDigit = 0xFF;
+
+// Callers of the standard decoder depend on an "=" inside the text standing for 0, so that it is a
+// digit here; the encoder never writes it for a value.
+extern const Base64Alphabet kStandardAlphabet;
+extern const Base64Alphabet kUrlAlphabet;
+
+// Encodes `num_groups` groups and returns how many it took: all of them.
+size_t encode_groups_portable(const Base64Alphabet& alphabet, char* out, const uint8_t* in,
+                              size_t num_groups);
+
+// Decodes `num_groups` groups and returns how many it took: all, or those before the first that
+// holds no digit. `out` may be `in`.
+size_t decode_groups_portable(const Base64Alphabet& alphabet, uint8_t* out, const char* in,
+                              size_t num_groups);
+
+}  // namespace plx::digest
+
+#endif

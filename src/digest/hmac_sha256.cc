@@ -1,0 +1,78 @@
+// HMAC-SHA-256 (RFC 2104) over the second family.
+#include <plx/digest.h>
+#include <stddef.h>
+#include <string.h>
+
+#include "digest/sha256_packed.h"
+#include "internal/wipe.h"
+
+static_assert(offsetof(HmacSha256Ctx, digest) == 0);
+static_assert(offsetof(HmacSha256Ctx, keyBlock) == 32);
+static_assert(offsetof(HmacSha256Ctx, sha) == 96);
+static_assert(sizeof(HmacSha256Ctx) == 232);
+
+namespace {
+
+using namespace plx::digest;
+
+constexpr uint8_t kInnerMask = 0x36;
+constexpr uint8_t kOuterMask = 0x5C;
+
+void mask_key_block(HmacSha256Ctx* ctx, uint8_t mask) {
+  for (uint8_t& byte : ctx->keyBlock) byte ^= mask;
+}
+
+void start_with_key_block(HmacSha256Ctx* ctx) {
+  packed::start(&ctx->sha);
+  packed::append(&ctx->sha, ctx->keyBlock, sizeof ctx->keyBlock);
+}
+
+void start(HmacSha256Ctx* ctx, const uint8_t* key, int key_size) {
+  memset(ctx->keyBlock, 0, sizeof ctx->keyBlock);
+  if (key_size > static_cast<int>(sizeof ctx->keyBlock)) {
+    packed::start(&ctx->sha);
+    packed::finish(&ctx->sha, key, static_cast<size_t>(key_size));
+    memcpy(ctx->keyBlock, ctx->sha.hash, sizeof ctx->sha.hash);
+  } else if (key_size > 0) {
+    memcpy(ctx->keyBlock, key, static_cast<size_t>(key_size));
+  }
+  mask_key_block(ctx, kInnerMask);
+  start_with_key_block(ctx);
+}
+
+void finish(HmacSha256Ctx* ctx, const uint8_t* data, size_t size) {
+  packed::finish(&ctx->sha, data, size);
+  memcpy(ctx->digest, ctx->sha.hash, sizeof ctx->digest);
+  mask_key_block(ctx, kInnerMask ^ kOuterMask);
+  start_with_key_block(ctx);
+  packed::finish(&ctx->sha, ctx->digest, sizeof ctx->digest);
+  memcpy(ctx->digest, ctx->sha.hash, sizeof ctx->digest);
+}
+
+}  // namespace
+
+extern "C" {
+
+void hmac_sha256_initialize(HmacSha256Ctx* ctx, const unsigned char* key, int keyLen) {
+  start(ctx, key, keyLen);
+}
+
+void hmac_sha256_update(HmacSha256Ctx* ctx, const unsigned char* data, unsigned int len) {
+  packed::append(&ctx->sha, data, len);
+}
+
+void hmac_sha256_finalize(HmacSha256Ctx* ctx, const unsigned char* data, unsigned int len) {
+  finish(ctx, data, len);
+}
+
+int hmac_sha256_get(unsigned char out[32], const unsigned char* data, unsigned int dataLen,
+                    const unsigned char* key, int keyLen) {
+  HmacSha256Ctx ctx;
+  start(&ctx, key, keyLen);
+  finish(&ctx, data, dataLen);
+  memcpy(out, ctx.digest, sizeof ctx.digest);
+  plx::wipe(&ctx, sizeof ctx);
+  return static_cast<int>(sizeof ctx.digest);
+}
+
+}  // extern "C"

@@ -1,0 +1,52 @@
+// The entries of all containers that are still open, those of the innermost last. A container
+// takes its entries from here when it closes, into slot arrays of their exact size, so nothing has
+// to be trimmed; and when a parse fails, here is all that has to be released.
+#ifndef PLX_SRC_JSON_PENDING_H
+#define PLX_SRC_JSON_PENDING_H
+
+#include <plx/json.h>
+#include <stddef.h>
+#include <stdint.h>
+
+namespace plx::json {
+
+// A member, or an element, which has no name.
+struct PendingEntry {
+  PLX_JsonValue* value;
+  char* name;
+  size_t name_length;
+  uint32_t name_hash;
+  uint16_t next;  // see NameIndex
+};
+
+class PendingEntries {
+ public:
+  PendingEntries() : entries_(inline_entries_) {}
+  ~PendingEntries();
+  PendingEntries(const PendingEntries&) = delete;
+  PendingEntries& operator=(const PendingEntries&) = delete;
+
+  size_t size() const { return size_; }
+  PendingEntry& operator[](size_t i) { return entries_[i]; }
+
+  // Makes room for one more entry; false when memory is short.
+  bool reserve() { return size_ != capacity_ || grow(); }
+  // Takes over the entry. There must be room.
+  void push(const PendingEntry& entry) { entries_[size_++] = entry; }
+  // Forgets the entries from `first` on: they have a new owner.
+  void drop_from(size_t first) { size_ = first; }
+
+ private:
+  bool grow();
+
+  static constexpr size_t kInline = 96;
+
+  PendingEntry* entries_;
+  size_t size_ = 0;
+  size_t capacity_ = kInline;
+  PendingEntry inline_entries_[kInline];
+};
+
+}  // namespace plx::json
+
+#endif

@@ -1,0 +1,37 @@
+// The records of a tree: their layout, and how they are made and released.
+#ifndef PLX_SRC_JSON_TREE_H
+#define PLX_SRC_JSON_TREE_H
+
+#include <plx/json.h>
+
+namespace plx::json {
+
+// A new record of kind `type` that owns `data`; null, with `data` still the caller's, when memory
+// is short.
+PLX_JsonValue* make_value(uint32_t type, void* data);
+
+// Bodies without entries, `count` slots allocated and counted; the slots are to be filled at once.
+// Null when memory is short.
+PLX_JsonArray* make_array(size_t count);
+PLX_JsonObject* make_object(size_t count);
+
+// Releases `value`, which may be null, and everything below it, the last entries first.
+void release(PLX_JsonValue* value);
+
+// Releases a body and its slot arrays, but not what the slots hold.
+void release_body(PLX_JsonArray* array);
+void release_body(PLX_JsonObject* object);
+
+inline PLX_JsonArray* array_of(const PLX_JsonValue* value) {
+  if (value == nullptr || value->type != PLX_JSON_ARRAY) return nullptr;
+  return static_cast<PLX_JsonArray*>(value->data);
+}
+
+inline PLX_JsonObject* object_of(const PLX_JsonValue* value) {
+  if (value == nullptr || value->type != PLX_JSON_OBJECT) return nullptr;
+  return static_cast<PLX_JsonObject*>(value->data);
+}
+
+}  // namespace plx::json
+
+#endif

@@ -1,0 +1,147 @@
+#include <gtest/gtest.h>
+#include <limits.h>
+#include <plx/json.h>
+
+#include <string>
+
+#include "json/tree_text.h"
+
+namespace {
+
+using plx_test::tree_text;
+
+// A tree that frees itself.
+struct Tree {
+  explicit Tree(const std::string& text) : root(PLX_ParseJsonString(text.c_str())) {}
+  ~Tree() { PLX_FreeJsonValue(root); }
+  Tree(const Tree&) = delete;
+  Tree& operator=(const Tree&) = delete;
+  PLX_JsonValue* const root;
+};
+
+// The typed searches see the first match and no other, so all follow from that one.
+void expect_typed_searches(const PLX_JsonValue* value, const char* name,
+                           const PLX_JsonValue* first) {
+  EXPECT_EQ(PLX_GetJsonValueString(first), PLX_FindStringFromJsonValue(value, name));
+  EXPECT_EQ(PLX_GetJsonValueObject(first), PLX_FindObjectFromJsonValue(value, name));
+  EXPECT_EQ(PLX_GetJsonValueArray(first), PLX_FindArrayFromJsonValue(value, name));
+  double number = -7;
+  const int result = PLX_FindNumberFromJsonValue(value, name, &number);
+  EXPECT_EQ(PLX_GetJsonValueString(first) != nullptr ? 0 : -1, result);
+  EXPECT_EQ(result == 0 ? PLX_GetJsonValueNumber(first) : -7, number);
+}
+
+TEST(JsonQuery, Search) {
+  const struct {
+    const char *text, *name, *found, *found_any_case;  // "-" for nothing
+  } kRows[] = {
+      {"{a:{b:1},b:2}", "b", R"("1")", R"("1")"},
+      {"{b:2,a:{b:1}}", "b", R"("2")", R"("2")"},
+      {"{b:{b:1}}", "b", R"({"b":"1"})", R"({"b":"1"})"},
+      {"{a:[b,{x:1},[{b:2}]],b:3}", "b", R"("2")", R"("2")"},
+      {"[b,[],{},{a:1},{b:[]}]", "b", "[]", "[]"},
+      {"{k:{x:1},y:{k:v}}", "k", R"({"x":"1"})", R"({"x":"1"})"},
+      {"{Key:1,KEY:2}", "KEY", R"("2")", R"("1")"},
+      {"{'[az':1,'{AZ':2,'{Az':3}", "{Az", R"("3")", R"("2")"},
+      {"{'@':1,'[':2,'\\u00c9':3}", "`", "-", "-"},
+      {"{'[':2}", "{", "-", "-"},
+      {"{'\\u00c9':3}", "\xc3\xa9", "-", "-"},
+      {"{key:1,'':2}", "", R"("2")", R"("2")"},
+      {"{key:1,ke:2,keys:3}", "keys", R"("3")", R"("3")"},
+      {"{a:b}", "b", "-", "-"},
+  };
+  for (const auto& row : kRows) {
+    SCOPED_TRACE(testing::Message() << row.name << " in " << row.text);
+    const Tree tree(row.text);
+    const PLX_JsonValue* found = PLX_FindFromJsonValue(tree.root, row.name);
+    EXPECT_EQ(row.found, tree_text(found));
+    EXPECT_EQ(row.found_any_case, tree_text(PLX_FindFromJsonValueiCase(tree.root, row.name)));
+    expect_typed_searches(tree.root, row.name, found);
+  }
+  const Tree tree("[{a:1}]");
+  const PLX_JsonValue object = {PLX_JSON_OBJECT, nullptr}, array = {PLX_JSON_ARRAY, nullptr};
+  const PLX_JsonValue* const kNothing[] = {nullptr, PLX_FindFromJsonValue(tree.root, "a"), &object,
+                                           &array, tree.root};
+  for (const PLX_JsonValue* value : kNothing) {
+    const char* name = value == tree.root ? nullptr : "a";
+    EXPECT_EQ(nullptr, PLX_FindFromJsonValue(value, name));
+    EXPECT_EQ(nullptr, PLX_FindFromJsonValueiCase(value, name));
+    expect_typed_searches(value, name, nullptr);
+  }
+}
+
+TEST(JsonQuery, Conversions) {
+  const struct {
+    const char* text;  // of an array's one element
+    double number;
+    int boolean;
+  } kRows[] = {
+      {"1e3", 1000, -1},   {"-2.5kg", -2.5, -1}, {"' 7'", 7, -1},    {"abc", 0, -1},
+      {"''", 0, -1},       {"0x10", 16, -1},     {"fALSE", 0, -1},   {"tRUE", 0, -1},
+      {"yes", 0, -1},      {"1", 1, -1},         {"0", 0, -1},       {"[true]", 0, -1},
+      {"{true:1}", 0, -1}, {"'true'", 0, 1},     {"' true'", 0, -1},
+  };
+  for (const auto& row : kRows) {
+    SCOPED_TRACE(row.text);
+    const Tree tree(std::string("[") + row.text + " ]");
+    const PLX_JsonValue* value = PLX_JsonArrayGetValueByIndex(PLX_GetJsonValueArray(tree.root), 0);
+    ASSERT_NE(nullptr, value);
+    EXPECT_EQ(row.number, PLX_GetJsonValueNumber(value));
+    EXPECT_EQ(row.boolean, PLX_GetJsonValueBoolean(value));
+    const void* by_kind[] = {nullptr, PLX_GetJsonValueString(value), PLX_GetJsonValueObject(value),
+                             PLX_GetJsonValueArray(value)};
+    for (uint32_t kind : {PLX_JSON_STRING, PLX_JSON_OBJECT, PLX_JSON_ARRAY}) {
+      EXPECT_EQ(kind == value->type ? value->data : nullptr, by_kind[kind]);
+    }
+  }
+  // Booleans are told by their prefix.
+  for (const std::string word : {"false", "False", "FALSE", "true", "True", "TRUE"}) {
+    const Tree tree("{all:" + word + ",more:" + word +
+                    "hood,less:" + word.substr(0, word.size() - 1) + "}");
+    const int expected = word.size() == 4;
+    EXPECT_EQ(expected, PLX_GetJsonValueBoolean(PLX_FindFromJsonValue(tree.root, "all"))) << word;
+    EXPECT_EQ(expected, PLX_GetJsonValueBoolean(PLX_FindFromJsonValue(tree.root, "more"))) << word;
+    EXPECT_EQ(-1, PLX_GetJsonValueBoolean(PLX_FindFromJsonValue(tree.root, "less"))) << word;
+  }
+  EXPECT_EQ(0.0, PLX_GetJsonValueNumber(nullptr));
+  EXPECT_EQ(-1, PLX_GetJsonValueBoolean(nullptr));
+}
+
+TEST(JsonQuery, Bodies) {
+  const Tree array_tree("[a,b]"), object_tree("{n:{x:1},m:c}"), empty_tree("[]");
+  const PLX_JsonArray* array = PLX_GetJsonValueArray(array_tree.root);
+  const PLX_JsonObject* object = PLX_GetJsonValueObject(object_tree.root);
+  EXPECT_EQ(2, PLX_JsonGetArrayCount(array));
+  EXPECT_EQ(2, PLX_JsonGetObjectCount(object));
+  EXPECT_EQ(0, PLX_JsonGetArrayCount(PLX_GetJsonValueArray(empty_tree.root)));
+  EXPECT_EQ(0, PLX_JsonGetObjectCount(nullptr));
+  for (int index : {-1, 0, 1, 2, INT_MIN, INT_MAX}) {
+    const bool is_there = index == 0 || index == 1;
+    EXPECT_EQ(is_there ? array->items[index] : nullptr, PLX_JsonArrayGetValueByIndex(array, index));
+    EXPECT_EQ(is_there ? object->names[index] : nullptr,
+              PLX_JsonObjectGetStringByIndex(object, index));
+    EXPECT_EQ(is_there ? object->values[index] : nullptr,
+              PLX_JsonObjectGetValueByIndex(object, index));
+    EXPECT_EQ(nullptr, PLX_JsonObjectGetStringByIndex(nullptr, index));
+    EXPECT_EQ(nullptr, PLX_JsonObjectGetValueByIndex(nullptr, index));
+  }
+  // By name: the object's own members only.
+  EXPECT_EQ(object->values[1], PLX_JsonObjectGetValueByName(object, "m"));
+  for (const char* absent : {"x", "M", "", "nn", static_cast<const char*>(nullptr)}) {
+    EXPECT_EQ(nullptr, PLX_JsonObjectGetValueByName(object, absent));
+  }
+  const PLX_JsonObject negative = {-1, 0, nullptr, nullptr};
+  EXPECT_EQ(nullptr, PLX_JsonObjectGetValueByName(&negative, "m"));
+  EXPECT_EQ(nullptr, PLX_JsonObjectGetValueByName(nullptr, "m"));
+
+  // Either name of the two shared functions has the one address.
+  using Address = void*;
+  const volatile Address addresses[] = {reinterpret_cast<Address>(&PLX_JsonGetArrayCount),
+                                        reinterpret_cast<Address>(&PLX_JsonGetObjectCount),
+                                        reinterpret_cast<Address>(&PLX_JsonArrayGetValueByIndex),
+                                        reinterpret_cast<Address>(&PLX_JsonObjectGetStringByIndex)};
+  EXPECT_EQ(addresses[0], addresses[1]);
+  EXPECT_EQ(addresses[2], addresses[3]);
+}
+
+}  // namespace
