@@ -60,6 +60,7 @@ PLX_API unsigned int PLX_base64UrlDecode(unsigned char* out, unsigned int outSiz
 
 /* ---- SHA-256 (FIPS 180-4), first family ----------------------------------------------------- */
 
+/* One message of the first family. It may be copied in mid-message, and both copies finished. */
 typedef struct Sha256Context {
   uint32_t state[8];  /* H0 to H7 */
   uint64_t count;     /* bytes of the message so far */
@@ -101,6 +102,7 @@ PLX_API int PLX_sha256_encoder_file(const char* path, char* out, int outSize);
 
 /* ---- SHA-256, second family ----------------------------------------------------------------- */
 
+/* One message of the second family. It may be copied in mid-message, and both copies finished. */
 typedef struct Sha256Ctx {
   uint8_t hash[32];    /* the digest, once sha256_finalize has run */
   uint32_t block[16];  /* the block being filled, as big-endian words; zero where not yet filled */
@@ -124,10 +126,11 @@ PLX_API void sha256_get(unsigned char out[32], const unsigned char* data, unsign
 
 /* ---- HMAC-SHA-256 (RFC 2104) ---------------------------------------------------------------- */
 
+/* One message under a key. It may be copied in mid-message, and both copies finished. */
 typedef struct HmacSha256Ctx {
   uint8_t digest[32];   /* the result, once hmac_sha256_finalize has run */
   uint8_t keyBlock[64]; /* the key, masked for the inner hash, after finalizing for the outer */
-  Sha256Ctx sha;
+  Sha256Ctx sha;        /* the inner hash, then the outer */
 } HmacSha256Ctx;
 
 /* hmac_sha256_initialize starts a message under `key` of `keyLen` bytes. A key of more than 64
@@ -182,7 +185,7 @@ PLX_API unsigned char* stunHMAC(unsigned char* out, const unsigned char* data, s
 
 /* Round keys, two words a round, in the order in which a pass uses them. */
 typedef struct DesContext {
-  uint32_t encSubkeys[32];
+  uint32_t encSubkeys[32]; /* for encryption */
   uint32_t decSubkeys[32]; /* the same rounds, last first */
 } DesContext;
 

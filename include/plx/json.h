@@ -57,7 +57,7 @@ enum {
 /* One node of the tree. */
 typedef struct PLX_JsonValue {
   uint32_t type; /* PLX_JSON_STRING, PLX_JSON_OBJECT or PLX_JSON_ARRAY */
-  void* data;
+  void* data;    /* as the kind says */
 } PLX_JsonValue;
 
 /* The body of an object: its members in the order of the text. Names are unique. */
