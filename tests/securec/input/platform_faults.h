@@ -1,0 +1,13 @@
+// What the platform answers on demand: files whose position cannot be told or set, and another
+#ifndef PLX_TESTS_SECUREC_INPUT_PLATFORM_FAULTS_H
+#define PLX_TESTS_SECUREC_INPUT_PLATFORM_FAULTS_H
+
+namespace plx_test {
+
+inline bool ftell_fails = false;
+inline int fseeks_to_fail = 0;
+inline const char* decimal_point = nullptr;  // in place of the locale's
+
+}  // namespace plx_test
+
+#endif
