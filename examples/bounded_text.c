@@ -1,5 +1,5 @@
-/* Builds texts from parts that a stranger chose, and takes one apart again. A part that does not fit
- * is refused whole: no text is ever cut in silence. */
+/* Builds texts from parts that a stranger chose, and takes one apart again. A part that does not
+ * fit is refused whole: no text is ever cut in silence. */
 #include <plx/securec.h>
 #include <stdio.h>
 #include <string.h>

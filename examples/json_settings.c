@@ -1,4 +1,5 @@
-/* Reads settings from a JSON text. Every scalar is text in the tree; the caller converts on demand. */
+/* Reads settings from a JSON text. Every scalar is text in the tree; the caller converts on demand.
+ */
 #include <plx/json.h>
 #include <stdio.h>
 

@@ -1,5 +1,6 @@
-/* Seals a text under a key of the caller's: AES-256 in CBC mode with a fresh random vector, as Base64.
- * A seal hides; it does not prove that nobody changed it. Add an HMAC where that matters. */
+/* Seals a text under a key of the caller's: AES-256 in CBC mode with a fresh random vector, as
+ * Base64. A seal hides; it does not prove that nobody changed it. Add an HMAC where that matters.
+ */
 #include <plx/cipher.h>
 #include <stdio.h>
 #include <string.h>
@@ -14,8 +15,8 @@ int main(void) {
                                                  sealed, sizeof sealed, key, AES_CBC_256);
   if (sealed_size < 0) return 1;
   /* The result is rounded up: the text itself ends at its terminator. */
-  const int length = PLX_aesCbcDecryptByKey(sealed, (int)strlen(sealed), opened, sizeof opened, key,
-                                            AES_CBC_256);
+  const int length =
+      PLX_aesCbcDecryptByKey(sealed, (int)strlen(sealed), opened, sizeof opened, key, AES_CBC_256);
   if (length < 0) return 1;
   printf("opened: %s (%d characters)\n", opened, length);
   return strcmp(opened, secret) == 0 ? 0 : 1;

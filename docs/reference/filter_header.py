@@ -59,6 +59,7 @@ def main():
         blocks = parse_header.blocks(file.read())
     out = []
     open_group = False
+    heading = -1  # where the last section's heading stands in `out`, while nothing follows it
     for index, block in enumerate(blocks):
         section = block.section()
         if index == 0:
@@ -68,28 +69,36 @@ def main():
         if section:
             if open_group:
                 out.append("/**@}*/")
+            heading = len(out)
             out.append("/** @name %s */\n/**@{*/" % escape(section))
             open_group = True
             out.extend(mark_trailing(block.code))
             continue
-        code = "\n".join(block.code)
-        if re.search(r"PLX_END_DECLS|^#endif", code) and open_group and not block.comment:
-            out.append("/**@}*/")
-            open_group = False
         if not block.comment:
             out.extend(mark_trailing(block.code))
             continue
+        if not "".join(block.code).strip():
+            # A comment that stands for itself: what is said of a section, or nothing doxygen can use.
+            if heading >= 0:
+                out[heading] = out[heading].replace(" */", "\n" + document(block.comment) + " */", 1)
+            out.extend(block.code)
+            continue
+        heading = -1
         text = "/** %s */" % document(block.comment)
         declarations = parse_header.declarations(block.code)
-        functions = [d for d in declarations if parse_header.function_name(d)]
-        if len(functions) > 1 and len(functions) == len(declarations):
-            for declaration in functions:
+        if len(declarations) > 1 and not any("{" in line for line in block.code):
+            for declaration in declarations:
                 out.append(text)
                 out.extend(declaration)
             out.append("")
         else:
             out.extend(repeat(text, mark_trailing(block.code)))
-    print("\n".join(out))
+    text = "\n".join(out)
+    if open_group:
+        # Before the include guard's end.
+        head, guard, tail = text.rpartition("#endif")
+        text = head + "/**@}*/\n" + guard + tail
+    print(text)
 
 
 if __name__ == "__main__":

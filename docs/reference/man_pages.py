@@ -88,8 +88,26 @@ def pages_of(header):
             continue
         functions = [d for d in parse_header.declarations(block.code)
                      if parse_header.function_name(d)]
-        if block.comment and functions:
+        if block.comment and functions and not block.outer:
             yield section, block.comment, functions
+
+
+def classes_of(header):
+    """Yields (name, comment, [(member comment, member declarations)]) for each class."""
+    with open(header, encoding="utf-8") as file:
+        blocks = parse_header.blocks(file.read())
+    for block in blocks:
+        found = re.search(r"^class (?:\w+ )?(\w+) \{", "\n".join(block.code), re.M)
+        if not found or not block.comment or block.outer:
+            continue
+        members = []
+        for inner in blocks:
+            if inner.outer == "class " + found[1] and inner.comment:
+                declarations = [d for d in parse_header.declarations(inner.code)
+                                if parse_header.function_name(d)]
+                if declarations:
+                    members.append((inner.comment, declarations))
+        yield found[1], block.comment, members
 
 
 def wrapped(declaration):
@@ -129,6 +147,15 @@ def main():
                 [header_page] + near, options.version))
             for name in names[1:]:
                 write(options.out, name, ".so man3/%s.3\n" % first)
+        for name, comment, members in classes_of(header):
+            parts = [body(comment)]
+            for member, declarations in members:
+                parts.append(".PP\n.nf\n%s\n.fi\n.RS 4" % "\n".join(
+                    wrapped(d) for d in declarations))
+                parts.append(body(member).removeprefix(".PP\n") + "\n.RE")
+            write(options.out, name, page(
+                name, [name], summary(comment, name), ".B %s\n.PP\n.B class %s" % (include, name),
+                "\n".join(parts), [header_page], options.version))
 
 
 if __name__ == "__main__":

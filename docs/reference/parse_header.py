@@ -16,6 +16,7 @@ class Block:
     comment: str  # text without the comment's marks; empty where there is none
     code: list  # lines of code
     first_line: int
+    outer: str = ""  # the class that the block stands in; empty at file scope
 
     def section(self):
         found = SECTION.match(self.comment) if "\n" not in self.comment else None
@@ -38,10 +39,15 @@ def blocks(text):
     result = []
     current = Block("", [], 1)
     index = 0
-    depth = 0
+    depth = 0  # of parentheses
+    braces = []  # what each open brace belongs to; namespaces and linkage count for nothing
     while index < len(lines):
         line = lines[index]
-        if depth == 0 and line.lstrip().startswith("/*") and not line.startswith("/**"):
+        outer = next((b for b in braces if b), "")
+        if not current.code and not current.comment:
+            current.outer = outer
+        in_record = outer.startswith(("struct", "enum"))
+        if depth == 0 and not in_record and line.lstrip().startswith("/*"):
             start = index
             raw = line
             while "*/" not in raw:
@@ -50,12 +56,19 @@ def blocks(text):
             tail = raw[raw.index("*/") + 2:]
             if not tail.strip():
                 result.append(current)
-                current = Block(strip_marks(raw.strip()), [], start + 1)
+                current = Block(strip_marks(raw.strip()), [], start + 1, outer)
                 index += 1
                 continue
         current.code.append(line)
         code = re.sub(r"/\*.*?\*/|//.*", "", line)
         depth += code.count("(") - code.count(")")
+        for mark in re.findall(r"[{}]", code):
+            if mark == "{":
+                kind = re.search(r"\b(class|struct|enum)\b(?: class)?[^{;()]*?(\w+)? *(?::[^{]*)?\{", code)
+                name = re.search(r"(\w+)(?: final)?\s*(?::[^:{][^{]*)?\{", code)
+                braces.append("%s %s" % (kind[1], name[1] if name else "") if kind else "")
+            elif braces:
+                braces.pop()
         if not line.strip() and depth == 0 and current.comment:
             # A blank line ends what a comment stands for.
             result.append(current)

@@ -16,6 +16,9 @@
  *   PLX_CHECK_READS    `src` holds at least `count` bytes (_WIDE: wide characters)
  *   PLX_CHECK_FITS     the literal `src` and its terminator fit into `size` characters
  *
+ * Behind an assembler label, which the typed functions have in C, clang knows no parameter names;
+ * PLX_CHECK_BEHIND_LABEL leaves the checks that need them out there.
+ *
  * Where a macro takes both, gcc needs the parameter's position and clang its name.
  */
 #ifndef PLX_CALLER_CHECKS_H
@@ -24,6 +27,7 @@
 #if defined(PLX_NO_CALLER_CHECKS) || !defined(__GNUC__) || (!defined(__clang__) && __GNUC__ < 11)
 
 #define PLX_CHECK_RESULT
+#define PLX_CHECK_BEHIND_LABEL(...)
 #define PLX_CHECK_FORMAT(format_at, first)
 #define PLX_CHECK_WRITES(dest_at, size_at, dest, size)
 #define PLX_CHECK_WRITES_WIDE(dest_at, size_at, dest, size)
@@ -36,8 +40,16 @@
 
 #else
 
+#include <stddef.h>
+
 #define PLX_CHECK_RESULT __attribute__((warn_unused_result))
 #define PLX_CHECK_FORMAT(format_at, first) __attribute__((format(printf, format_at, first)))
+
+#if defined(__clang__) && !defined(__cplusplus)
+#define PLX_CHECK_BEHIND_LABEL(...)
+#else
+#define PLX_CHECK_BEHIND_LABEL(...) __VA_ARGS__
+#endif
 
 #ifdef __clang__
 #define PLX_CHECK_SEEN_(condition, text) __attribute__((diagnose_if(condition, text, "warning")))

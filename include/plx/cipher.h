@@ -39,9 +39,9 @@ typedef struct tagAes {
  * Return 1; 0 when OpenSSL refuses; -1, with `ctx` untouched, when a pointer is null or `iKeyBits`
  * is none of the three. */
 PLX_API int PLX_AesEncryInit_ex(const tagAes* aes, struct evp_cipher_ctx_st* ctx)
-    PLX_TYPED("_Z19PLX_AesEncryInit_exPK6tagAesP17evp_cipher_ctx_st");
+    PLX_TYPED("_Z19PLX_AesEncryInit_exPK6tagAesP17evp_cipher_ctx_st") PLX_CHECK_RESULT;
 PLX_API int PLX_AesDecryInit_ex(const tagAes* aes, struct evp_cipher_ctx_st* ctx)
-    PLX_TYPED("_Z19PLX_AesDecryInit_exPK6tagAesP17evp_cipher_ctx_st");
+    PLX_TYPED("_Z19PLX_AesDecryInit_exPK6tagAesP17evp_cipher_ctx_st") PLX_CHECK_RESULT;
 
 /* PLX_AesEncryByMode encrypts the text `aes->pszText`, without its terminator, into `out`, which
  * holds `outSize` bytes. Returns the number of bytes written, binary and not terminated; with
@@ -56,7 +56,8 @@ PLX_API int PLX_AesDecryInit_ex(const tagAes* aes, struct evp_cipher_ctx_st* ctx
  * Treat any result below 1 as a failure. `out` is written by steps of the cipher alone, which may
  * leave a part of the output behind when a later one fails. */
 PLX_API int PLX_AesEncryByMode(const tagAes* aes, char* out, int outSize)
-    PLX_TYPED("_Z18PLX_AesEncryByModePK6tagAesPci");
+    PLX_TYPED("_Z18PLX_AesEncryByModePK6tagAesPci") PLX_CHECK_RESULT
+    PLX_CHECK_BEHIND_LABEL(PLX_CHECK_WRITES(2, 3, out, outSize));
 
 /* PLX_AesDecryByMode decrypts the `inLen` bytes at `in` into `out`, which holds `outSize` bytes.
  * Returns the number of bytes written, not terminated, which is 0 for an empty plain text. Fails as
@@ -68,7 +69,8 @@ PLX_API int PLX_AesEncryByMode(const tagAes* aes, char* out, int outSize)
  *  - a negative `inLen`, or bytes behind a null `in`, fail with -1, as does a padding that is not
  *    right: with a wrong key this is likely, but not certain. */
 PLX_API int PLX_AesDecryByMode(const tagAes* aes, char* in, int inLen, char* out, int outSize)
-    PLX_TYPED("_Z18PLX_AesDecryByModePK6tagAesPciS2_i");
+    PLX_TYPED("_Z18PLX_AesDecryByModePK6tagAesPciS2_i") PLX_CHECK_RESULT
+    PLX_CHECK_BEHIND_LABEL(PLX_CHECK_READS(2, 3, in, inLen) PLX_CHECK_WRITES(4, 5, out, outSize));
 
 /* ---- CCipher -------------------------------------------------------------------------------- */
 
@@ -102,7 +104,7 @@ class PLX_API CCipher {
  public:
   /* getInstance returns the one instance, made by the first call and never destroyed, or null when
    * memory is short. First calls on several threads at once all get the same one. */
-  static CCipher* getInstance();
+  static CCipher* getInstance() PLX_CHECK_RESULT;
 
   /* An instance of the caller's own has the same vector. */
   CCipher();
@@ -112,13 +114,13 @@ class PLX_API CCipher {
    * `passLen` bytes at `pass` and the `saltLen` bytes at `salt`. Returns 0, with `out` untouched,
    * when a pointer is null or a number is below 1, and else 1, even if the derivation fails. */
   static int deriveKey(const char* pass, int passLen, const unsigned char* salt, int saltLen,
-                       int iterations, int keyLen, unsigned char* out);
+                       int iterations, int keyLen, unsigned char* out) PLX_CHECK_RESULT;
 
   /* Base64 returns the `len` bytes at `data` as Base64 text (RFC 4648, section 4), in lines of 64
    * characters: a line feed ends every line, the last one too, and a terminator the text. Release
    * it with deleteArrayPoint_s (plx/key_store.h). Returns null when `data` is null, `len` is below
    * 1, the text would pass 0x7FFFFFFF bytes, or memory is short. */
-  static const char* Base64(const unsigned char* data, int len);
+  static const char* Base64(const unsigned char* data, int len) PLX_CHECK_RESULT;
 
   /* UnBase64 decodes the `len` characters at `text`, white space between them being skipped, and
    * stores the number of bytes in `*outLen`. Release the result with deleteArrayPoint_s. Returns
@@ -128,14 +130,14 @@ class PLX_API CCipher {
    * before the fault; the characters behind them may be decoded into `text` itself, within its
    * `len` characters, and counted in `*outLen` as bytes that are zero in the result. Pass text of
    * unknown origin in memory that can be written, and check what you get. */
-  static unsigned char* UnBase64(const char* text, int len, int* outLen);
+  static unsigned char* UnBase64(const char* text, int len, int* outLen) PLX_CHECK_RESULT;
 
   /* DeriveInitKey derives 16 bytes into `out` from a factor in Base64 and the instance's vector, as
    * deriveKey does with 100000 iterations (the keys of plx/key_store.h take 10000). The factor
    * counts as 16 bytes: longer ones are cut, shorter ones filled with zeros. Malformed text must be
    * writable, as for UnBase64. Returns 0 when a pointer is null, the text is empty, or memory is
    * short. */
-  int DeriveInitKey(const char* factorBase64, unsigned char* out);
+  int DeriveInitKey(const char* factorBase64, unsigned char* out) PLX_CHECK_RESULT;
 
   /* getCCipherInitVector copies the vector to `dst`, which holds `dstSize` bytes; it does nothing
    * when `dst` is null or `dstSize` is below 16. */
@@ -150,7 +152,7 @@ class PLX_API CCipher {
    * Returns 0, with nothing written, when a pointer is null, `outLen` is below 1, or no random
    * bytes or no memory can be had. A negative `inLen` seals nothing: IV and padding. */
   static int EncryptData(const unsigned char* in, int inLen, unsigned char* out, int& outLen,
-                         unsigned char* key, AES_CBC_TYPE type);
+                         unsigned char* key, AES_CBC_TYPE type) PLX_CHECK_RESULT;
 
   /* DecryptData opens a sealed blob of `inLen` bytes: it writes the plain text to `out` and its
    * length to `outLen`. `outLen` must be above 0 on entry, but the output, of fewer than `inLen`
@@ -159,11 +161,11 @@ class PLX_API CCipher {
    * blocks before the last. A blob of fewer than 16 bytes, or a `type` that is none, gives 1 with
    * `outLen` 0. Returns 0 when a pointer is null, `outLen` is below 1, or memory is short. */
   static int DecryptData(const unsigned char* in, int inLen, unsigned char* out, int& outLen,
-                         unsigned char* key, AES_CBC_TYPE type);
+                         unsigned char* key, AES_CBC_TYPE type) PLX_CHECK_RESULT;
 
   /* GenerateRand fills the `len` bytes at `buf` with random bytes fit for keys. Returns 0 when
    * `buf` is null, `len` is below 1, or the source fails. */
-  static int GenerateRand(unsigned char* buf, int len);
+  static int GenerateRand(unsigned char* buf, int len) PLX_CHECK_RESULT;
 
  private:
   unsigned char m_initVector[16];

@@ -180,7 +180,7 @@ PLX_API wchar_t* wcstok_s(wchar_t* str, const wchar_t* delim, wchar_t** context)
  * carriage returns and line feeds at its end. Returns `buffer`, or null when `buffer` is null,
  * `size` is below 1 or nothing could be read. A longer line is cut at `size` - 1 characters and its
  * rest stays unread. */
-PLX_API char* gets_s(char* buffer, int size);
+PLX_API char* gets_s(char* buffer, int size) PLX_CHECK_RESULT PLX_CHECK_WRITES(1, 2, buffer, size);
 
 /* ---- Formatted output ----------------------------------------------------------------------- */
 
@@ -219,17 +219,16 @@ PLX_API char* gets_s(char* buffer, int size);
  * prints nothing, and so does one whose precision passes 2147483298 (2147478675).
  *
  * A destination must not overlap the format or an argument. */
-#define PLX_PRINTF_FORMAT(format_index, first_argument) \
-  __attribute__((format(printf, format_index, first_argument)))
 
 /* sprintf_s formats into `dest`, which holds `destMax` bytes, all or nothing. Returns -1 when
  *   `dest` or `format` is null, or `destMax` is 0 or above the limit
  *   the format is refused, or a text does not convert
  *   the text and its terminator do not fit
  * and then leaves the empty text in `dest`, if it is not null and `destMax` not 0. */
-PLX_API int sprintf_s(char* dest, size_t destMax, const char* format, ...) PLX_PRINTF_FORMAT(3, 4);
+PLX_API int sprintf_s(char* dest, size_t destMax, const char* format, ...) PLX_CHECK_FORMAT(3, 4)
+    PLX_CHECK_WRITES(1, 2, dest, destMax);
 PLX_API int vsprintf_s(char* dest, size_t destMax, const char* format, va_list args)
-    PLX_PRINTF_FORMAT(3, 0);
+    PLX_CHECK_FORMAT(3, 0) PLX_CHECK_WRITES(1, 2, dest, destMax);
 
 /* snprintf_s is sprintf_s for at most `count` characters. When more are to be written and `count`
  * is below `destMax`, it returns -1 and keeps the cut text: the first `count` characters and a
@@ -237,15 +236,17 @@ PLX_API int vsprintf_s(char* dest, size_t destMax, const char* format, va_list a
  * limit; other values above 0x7FFFFFFE are refused like a null `dest`.
  * With `count` at or above `destMax` the last byte of `dest` is set to 0 too. */
 PLX_API int snprintf_s(char* dest, size_t destMax, size_t count, const char* format, ...)
-    PLX_PRINTF_FORMAT(4, 5);
+    PLX_CHECK_FORMAT(4, 5) PLX_CHECK_WRITES(1, 2, dest, destMax);
 PLX_API int vsnprintf_s(char* dest, size_t destMax, size_t count, const char* format, va_list args)
-    PLX_PRINTF_FORMAT(4, 0);
+    PLX_CHECK_FORMAT(4, 0) PLX_CHECK_WRITES(1, 2, dest, destMax);
 
 /* swprintf_s is sprintf_s for wide text: `destMax` and the result count wide characters, and so do
  * widths and precisions. Here too 's' and 'c' take narrow arguments unless marked by l or w. The
  * wide character 0xFFFFFFFF cannot be written and fails the call. */
-PLX_API int swprintf_s(wchar_t* dest, size_t destMax, const wchar_t* format, ...);
-PLX_API int vswprintf_s(wchar_t* dest, size_t destMax, const wchar_t* format, va_list args);
+PLX_API int swprintf_s(wchar_t* dest, size_t destMax, const wchar_t* format, ...)
+    PLX_CHECK_WRITES_WIDE(1, 2, dest, destMax);
+PLX_API int vswprintf_s(wchar_t* dest, size_t destMax, const wchar_t* format, va_list args)
+    PLX_CHECK_WRITES_WIDE(1, 2, dest, destMax);
 
 /* The engines behind them, for callers with a room of their own. */
 typedef struct SecurecOutputStream {
@@ -253,6 +254,7 @@ typedef struct SecurecOutputStream {
   char* position; /* where the next one goes */
 } SecurecOutputStream;
 
+/* The same for wide text. */
 typedef struct SecurecWideOutputStream {
   int32_t room;      /* bytes that may still be written, 4 a character; below 0 once text was cut */
   wchar_t* position; /* where the next character goes */
@@ -263,7 +265,7 @@ typedef struct SecurecWideOutputStream {
  * or `format` is null, when the format is refused, or when the room ran out: what fits has then
  * been written. securec_woutput_s does the same for wide text. */
 PLX_API int securec_output_s(SecurecOutputStream* stream, const char* format, va_list args)
-    PLX_PRINTF_FORMAT(2, 0);
+    PLX_CHECK_FORMAT(2, 0);
 PLX_API int securec_woutput_s(SecurecWideOutputStream* stream, const wchar_t* format, va_list args);
 
 /* ---- Formatted input ------------------------------------------------------------------------ */

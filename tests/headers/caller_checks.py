@@ -14,10 +14,11 @@ COMPILERS = [(name, language) for name in ("gcc", "clang") for language in (
 
 def warned_lines(compiler, language, *options):
     command = [compiler, *language, "-O1", "-Wall", "-Wextra", "-Wno-unknown-warning-option", "-c",
-               SOURCE, "-I", INCLUDE, "-o", "/dev/null", *options]
+               SOURCE, "-I", INCLUDE, "-o", "/dev/null", "-fno-caret-diagnostics"
+               if compiler == "clang" else "-fno-diagnostics-show-caret", *options]
     done = subprocess.run(command, capture_output=True, text=True, check=False)
     if done.returncode != 0:
-        sys.exit(done.stderr)
+        sys.exit("\n".join(re.findall(r"^.*error.*$", done.stderr, re.M)))
     return {int(line) for line in
             re.findall(r"^%s:(\d+):\d+: warning" % re.escape(SOURCE), done.stderr, re.M)}
 
@@ -28,7 +29,9 @@ def main():
                    if (found := re.search(r";.*/\* WARNS ?(\w*) \*/", line))}
     bad = 0
     for compiler, language in COMPILERS:
-        wanted = {line for line, only in remarks.items() if only in ("", compiler)}
+        labelled = (compiler, language[0]) == ("clang", "-xc")
+        wanted = {line for line, only in remarks.items()
+                  if only in ("", compiler) or (only == "typed" and not labelled)}
         seen = warned_lines(compiler, language)
         for line in sorted(wanted ^ seen):
             print("%s %s: line %d: %s" % (compiler, language[1], line, "no warning" if line in wanted
