@@ -72,7 +72,53 @@ PLX_API int PLX_AesDecryByMode(const tagAes* aes, char* in, int inLen, char* out
     PLX_TYPED("_Z18PLX_AesDecryByModePK6tagAesPciS2_i") PLX_CHECK_RESULT
     PLX_CHECK_BEHIND_LABEL(PLX_CHECK_READS(2, 3, in, inLen) PLX_CHECK_WRITES(4, 5, out, outSize));
 
-/* ---- CCipher -------------------------------------------------------------------------------- */
+/* ---- AES by JSON request -------------------------------------------------------------------- */
+
+/* A request is a JSON object (the dialect of plx/json.h); text around it is ignored. Its members,
+ * found at any depth, are
+ *
+ *   "encryptMode"   absent, "" or "ECB": ECB. "CBC": CBC. Anything else is refused.
+ *   "cipherSize"    128, 192 or 256, as a number or a text; letters behind it are ignored. There is
+ *                   no default.
+ *   "paddingMode"   "PKCS5Padding", or "" for none. Must be there.
+ *   "cipherPrefix"  the key but for its last 4 characters: 12, 20 or 28. Absent or "": the work key
+ *                   "aes_prefix_key" (plx/key_store.h), of whatever length, takes its place.
+ *   "IVPrefix"      the IV but for its last 4 characters: 12. Must be there in CBC; "" stands for a
+ *                   default of the product. Of a longer one the first 16 characters are the IV; a
+ *                   shorter one leaves zeros at the IV's end.
+ *   "plainText"     what PLX_AesEncry encrypts, up to 1022 characters
+ *   "cipherText"    what PLX_AesDecry decrypts: hexadecimal digits of either case, up to 1022.
+ *                   Another character counts as 0; to an odd last digit belongs a 0.
+ *
+ * Longer texts are cut: mode and padding to 14 characters, size to 6, prefixes to 30. The last 4
+ * characters of key and IV are constants of the product.
+ *
+ * A key of 256 bits starts with a zero byte, whatever its prefix: its first character is lost where
+ * the key fills its field to the last byte. Data is encrypted under such keys, so this stays; who
+ * decrypts it elsewhere sets the first byte of the key to zero.
+ *
+ * Both functions return 0 when an argument is null, the request is refused, the key store does not
+ * give a key, memory is short, libcrypto refuses, or there is nothing to write. A failure later on,
+ * of the sizes or of a step of the cipher, gives 1: see there how to tell. */
+
+/* PLX_AesEncry encrypts "plainText" and writes the cipher text to `out` as upper-case hexadecimal
+ * digits, without a terminator. There is no size to pass, and `out` is not tested: give it twice
+ * the length of the text rounded up to the next multiple of 16 (above it, with padding), at most
+ * 2048 characters. Zero `out` before the call: a result of 1 with nothing written is a failure.
+ * That is so when padding is off and the length is no multiple of 16, and with 192 bits when the
+ * length modulo 48 is one of 16 to 23. */
+PLX_API int PLX_AesEncry(const char* request, char* out) PLX_TYPED("_Z12PLX_AesEncryPKcPc");
+
+/* PLX_AesDecry decrypts "cipherText" into `out`, which holds `outSize` bytes, and ends the plain
+ * text with a terminator. `outSize` must be at least the number of hexadecimal digits rounded down
+ * to a multiple of 16, plus 16. A result of 1 is a failure when `outSize` is less, or the padding
+ * is wrong, as with a wrong key: the call then writes a zero to the byte BEFORE `out`. Pass an
+ * `out` that starts inside a buffer of yours, set the byte before it to something else, and test it
+ * afterwards. */
+PLX_API int PLX_AesDecry(const char* request, char* out, int outSize)
+    PLX_TYPED("_Z12PLX_AesDecryPKcPci");
+
+/* ---- Sealed texts --------------------------------------------------------------------------- */
 
 /* AES_CBC_TYPE selects the cipher of a sealed blob. Other values are harmless: sealing takes them
  * for AES_CBC_128, and opening yields nothing. */
@@ -88,6 +134,52 @@ typedef enum AES_CBC_TYPE {
 #else
 } AES_CBC_TYPE;
 #endif
+
+PLX_BEGIN_DECLS
+
+/* A sealed text is Base64 in lines of 64 characters, each ended by a line feed, of a sealed blob: a
+ * random IV of 16 bytes and AES-CBC cipher text with PKCS#5 padding. All six functions return -1
+ * for every failure.
+ *
+ * PLX_aesCbcEncryptByKey seals the `inLen` bytes at `in` under the 16 or 32 bytes at `key` into
+ * `out`, which holds `outSize` bytes, with a terminator. Returns the length of the text rounded
+ * down to a multiple of 4, plus 4, and not the length itself. -1, with `out` untouched, when
+ *  - a pointer is null, `outSize` is below 16, or `inLen` is negative or above 2147483614
+ *  - `outSize` is not above what would be returned: nothing, for instance, needs 49 bytes
+ *  - no random bytes or no memory can be had. */
+PLX_API int PLX_aesCbcEncryptByKey(const unsigned char* in, int inLen, char* out, int outSize,
+                                   const unsigned char* key, AES_CBC_TYPE type);
+
+/* PLX_aesCbcDecryptByKey opens the sealed text of `inLen` characters at `in` into `out`, which
+ * holds `outSize` bytes, with a terminator. Returns the length of the plain text. When that holds
+ * a zero byte, the copy ends there, while the result counts what follows. A wrong key or damage is
+ * not noticed: the result is then mostly the length of all whole blocks but the last, and `out`
+ * holds garbage. Put something recognisable into the plain text. -1, with `out` untouched, when
+ *  - a pointer is null, `inLen` is below 16 or `outSize` below 1
+ *  - the text decodes to fewer than 16 bytes (CCipher::UnBase64: malformed text must be writable)
+ *  - `outSize` is not above the length of the plain text, or memory is short. */
+PLX_API int PLX_aesCbcDecryptByKey(const char* in, int inLen, char* out, int outSize,
+                                   const unsigned char* key, AES_CBC_TYPE type);
+
+/* These four do the same with AES_CBC_128 and the first 16 characters of a stored key
+ * (plx/key_store.h), filled with zeros if it is shorter. Line feeds stand as "_" in the sealed
+ * text, so that it is one line; texts with either are opened. Also -1 when the key does not load.
+ *
+ * PLX_aesCbcEncrypt and PLX_aesCbcDecrypt take "encrypt_stb_key", load it at their first use and
+ * keep it in g_WorkKey until the process ends. First uses on several threads at once may load it
+ * more than once, with the same outcome.
+ *
+ * PLX_aesCbcEncryptByRandomKey and PLX_aesCbcDecryptByRandomKey take "epg_profile_key", the key of
+ * this box, and load it at every call. Only the IV is random, as in all of these. */
+PLX_API int PLX_aesCbcEncrypt(const unsigned char* in, int inLen, char* out, int outSize);
+PLX_API int PLX_aesCbcDecrypt(const char* in, int inLen, char* out, int outSize);
+PLX_API int PLX_aesCbcEncryptByRandomKey(const unsigned char* in, int inLen, char* out,
+                                         int outSize);
+PLX_API int PLX_aesCbcDecryptByRandomKey(const char* in, int inLen, char* out, int outSize);
+
+PLX_END_DECLS
+
+/* ---- CCipher -------------------------------------------------------------------------------- */
 
 #ifdef __cplusplus
 

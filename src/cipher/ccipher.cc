@@ -9,8 +9,8 @@
 #include <atomic>
 #include <new>
 
-#include "cipher/base64_text.h"
 #include "cipher/evp.h"
+#include "cipher/evp_base64.h"
 #include "cipher/key_vectors.h"
 #include "cipher/sealed.h"
 #include "securec/memory.h"

@@ -1,4 +1,4 @@
-// What CCipher offers, as the rest of the family calls it. Base64 stands in base64_text.h, sealed
+// What CCipher offers, as the rest of the family calls it. Base64 stands in evp_base64.h, sealed
 // blobs in sealed.h.
 #ifndef PLX_SRC_CIPHER_CCIPHER_H
 #define PLX_SRC_CIPHER_CCIPHER_H

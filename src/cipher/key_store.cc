@@ -9,8 +9,8 @@
 #include <stdio.h>
 #include <unistd.h>
 
-#include "cipher/base64_text.h"
 #include "cipher/ccipher.h"
+#include "cipher/evp_base64.h"
 #include "cipher/key_vectors.h"
 #include "cipher/sealed.h"
 #include "cipher/secret_array.h"

@@ -21,6 +21,8 @@ struct Conversion {
     k64 = 1 << 8,          // ll, j, L, q, I64
     kLongDouble = 1 << 9,  // L, q
     kWide = 1 << 10,       // l, w: a wide character or text
+
+    kAnySize = kChar | kShort | kWord | k64,
   };
 
   static constexpr int kNotGiven = -1;

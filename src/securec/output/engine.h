@@ -31,8 +31,14 @@ inline const wchar_t* null_text(const wchar_t*) { return L"(null)"; }
 inline size_t bounded_length(const char* text, size_t max) { return strnlen(text, max); }
 inline size_t bounded_length(const wchar_t* text, size_t max) { return wcsnlen(text, max); }
 
-// Where the literal text at `text` ends: at a '%' or at the terminator.
-inline const char* find_percent(const char* text) { return strchrnul(text, '%'); }
+// Where the literal text at `text` ends: at a '%' or at the terminator. Between two conversions
+// there is seldom much of it, and often nothing.
+inline const char* find_percent(const char* text) {
+  for (int i = 0; i < 4; ++i, ++text) {
+    if (*text == 0 || *text == '%') return text;
+  }
+  return strchrnul(text, '%');
+}
 inline const wchar_t* find_percent(const wchar_t* text) {
   while (*text != 0 && *text != L'%') ++text;
   return text;
@@ -57,17 +63,6 @@ inline size_t take_character(const Conversion& conversion, Arguments* arguments,
   return widen_byte(static_cast<unsigned char>(va_arg(arguments->list, int)), text) ? 1 : 0;
 }
 
-// The body of a number. The platform's text may hold a decimal point of several bytes.
-inline bool write_body(Writer<char>* out, const Field& field) {
-  return out->write_run(field.body, field.body_size);
-}
-inline bool write_body(Writer<wchar_t>* out, const Field& field) {
-  if (field.columns == field.body_size + field.tail_size) {
-    return out->write_ascii(field.body, field.body_size);
-  }
-  return write_converted(out, field.body, field.columns - field.tail_size);
-}
-
 // ---- Fields -------------------------------------------------------------------------------------
 
 inline size_t padding(const Conversion& conversion, size_t size) {
@@ -79,20 +74,53 @@ inline size_t padding(const Conversion& conversion, size_t size) {
 template <typename Char, typename Body>
 bool put_padded(Writer<Char>* out, const Conversion& conversion, size_t size, Body body) {
   const size_t pad = padding(conversion, size);
+  if (pad == 0) return body();
   const bool left = conversion.has(Conversion::kLeft);
   return (left || out->write_repeated(' ', pad)) && body() &&
          (!left || out->write_repeated(' ', pad));
 }
 
+inline bool write_body(Writer<char>* out, const FloatField& field) {
+  return out->write_run(field.body, field.body_size);
+}
+inline bool write_body(Writer<wchar_t>* out, const FloatField& field) {
+  // The platform's text may hold a decimal point of several bytes.
+  return write_converted(out, field.body, field.text_columns - field.tail_size);
+}
+
 template <typename Char>
-bool put_number(Writer<Char>* out, const Conversion& conversion, const Field& field) {
-  const size_t pad = field.zero_pads ? padding(conversion, field.size()) : 0;
-  return put_padded(out, conversion, field.size() + pad, [&] {
-    return out->write_ascii(field.prefix, field.prefix_size) &&
-           out->write_repeated('0', pad + field.zeros) && write_body(out, field) &&
-           out->write_repeated('0', field.inner_zeros) &&
+bool put_float(Writer<Char>* out, const Conversion& conversion, const FloatField& field) {
+  const size_t zeros = field.zero_pads ? padding(conversion, field.columns()) : 0;
+  return put_padded(out, conversion, field.columns() + zeros, [&] {
+    return out->write_ascii(field.prefix.text, field.prefix.size) &&
+           out->write_repeated('0', zeros) && write_body(out, field) &&
+           out->write_repeated('0', field.zeros) &&
            out->write_ascii(field.body + field.body_size, field.tail_size);
   });
+}
+
+// `Sink` is a Writer, or a Pen where the whole field has room.
+template <typename Sink>
+bool draw_integer(Sink* sink, const Conversion& conversion, const IntegerField& field, size_t pad) {
+  if (pad + field.columns() == field.num_digits) {
+    return sink->write_digits(field.digits, field.num_digits);
+  }
+  const bool left = conversion.has(Conversion::kLeft);
+  const size_t spaces = field.zero_pads ? 0 : pad;
+  return sink->write_repeated(' ', left ? 0 : spaces) &&
+         sink->write_ascii(field.prefix.text, field.prefix.size) &&
+         sink->write_repeated('0', field.zeros + pad - spaces) &&
+         sink->write_digits(field.digits, field.num_digits) &&
+         sink->write_repeated(' ', left ? spaces : 0);
+}
+
+template <typename Char>
+bool put_integer(Writer<Char>* out, const Conversion& conversion, const IntegerField& field) {
+  const size_t pad = padding(conversion, field.columns());
+  const size_t size = field.columns() + pad;
+  if (size > out->room()) return draw_integer(out, conversion, field, pad);
+  Pen<Char> pen = out->claim(size);
+  return draw_integer(&pen, conversion, field, pad);
 }
 
 // Text of the output's own width is measured first, but no further than the room and the field.
@@ -114,8 +142,10 @@ bool put_converted_text(Writer<Char>* out, const Conversion& conversion, const O
 
 // ---- Conversions: each takes its argument and writes its field; false ends the call -------------
 
+// Apart, like a float, so that buffers weigh on no other conversion's stack.
 template <typename Char>
-bool convert_character(Writer<Char>* out, const Conversion& conversion, Arguments* arguments) {
+__attribute__((noinline)) bool convert_character(Writer<Char>* out, const Conversion& conversion,
+                                                 Arguments* arguments) {
   Char text[kMaxCharacterSize];
   const size_t size = take_character(conversion, arguments, text);
   return size == 0 || put_padded(out, conversion, size, [&] { return out->write_run(text, size); });
@@ -143,23 +173,24 @@ bool convert_text(Writer<Char>* out, const Conversion& conversion, Arguments* ar
 
 template <typename Char>
 bool convert_integer(Writer<Char>* out, const Conversion& conversion, Arguments* arguments) {
-  DigitBuffer digits;
-  return put_number(out, conversion, format_integer(conversion, arguments, digits));
+  return put_integer(out, conversion, format_integer(conversion, arguments));
 }
 
 template <typename Char>
 bool convert_pointer(Writer<Char>* out, const Conversion& conversion, Arguments* arguments) {
-  DigitBuffer digits;
-  return put_number(out, conversion, format_pointer(conversion, arguments, digits));
+  const uintptr_t address = reinterpret_cast<uintptr_t>(va_arg(arguments->list, void*));
+  if (address != 0) return put_integer(out, conversion, format_pointer(conversion, address));
+  constexpr char kNil[] = "(nil)";
+  constexpr size_t kSize = sizeof kNil - 1;
+  return put_padded(out, conversion, kSize, [&] { return out->write_ascii(kNil, kSize); });
 }
 
-// Apart, so that the buffer of a float weighs on no other conversion's stack.
 template <typename Char>
 __attribute__((noinline)) bool convert_float(Writer<Char>* out, const Conversion& conversion,
                                              Arguments* arguments) {
   FloatText text;
-  Field field;
-  return !text.format(conversion, arguments, &field) || put_number(out, conversion, field);
+  FloatField field;
+  return !text.format(conversion, arguments, &field) || put_float(out, conversion, field);
 }
 
 template <typename Char>
@@ -189,34 +220,23 @@ bool convert(Writer<Char>* out, const Conversion& conversion, Arguments* argumen
 
 // False when the format is refused, a text does not convert, or the room has run out.
 template <typename Char>
-bool write_formatted(Writer<Char>* out, const Char* format, Arguments* arguments) {
-  const Char* search_from = format;
+__attribute__((flatten)) bool write_formatted(Writer<Char>* out, const Char* format,
+                                              Arguments* arguments) {
+  const Char* literal = format;
   for (;;) {
-    const Char* const percent = find_percent(search_from);
-    if (!out->write_run(format, static_cast<size_t>(percent - format))) return false;
-    if (*percent == 0) return true;
-    format = search_from = percent + 1;
-    Conversion conversion;
-    switch (read_conversion(&format, arguments, &conversion)) {
-      case Reading::kConversion:
-        if (!convert(out, conversion, arguments)) return false;
-        search_from = format;
-        break;
-      case Reading::kLiteral:
-        search_from = format + 1;
-        break;
-      case Reading::kRefused:
-        return false;
+    const Char* const percent = find_percent(format);
+    if (percent != literal && !out->write_run(literal, static_cast<size_t>(percent - literal))) {
+      return false;
     }
+    if (*percent == 0) return true;
+    literal = percent + 1;
+    Conversion conversion;
+    const Reading reading = read_conversion(&literal, arguments, &conversion);
+    if (reading == Reading::kRefused) return false;
+    if (reading == Reading::kConversion && !convert(out, conversion, arguments)) return false;
+    // A character that is printed as it is may look like the start of a conversion.
+    format = reading == Reading::kLiteral ? literal + 1 : literal;
   }
-}
-
-// Runs a format over a stream. Returns the number of characters written, or -1.
-template <typename Char>
-int run_engine(BoundedStream<Char>* stream, const Char* format, va_list args) {
-  Arguments arguments(args);
-  Writer<Char> out(stream);
-  return write_formatted(&out, format, &arguments) ? static_cast<int>(out.written()) : -1;
 }
 
 constexpr int kCut = -2;
@@ -225,16 +245,17 @@ constexpr int kCut = -2;
 // kCut when text or terminator did not fit (as much as fits then stands terminated in the buffer),
 // or -1.
 template <typename Char>
-int format_bounded(Char* dst, size_t dst_count, const Char* format, va_list args) {
-  BoundedStream<Char> stream = {static_cast<int32_t>(dst_count * sizeof(Char)), dst};
-  const int result = run_engine(&stream, format, args);
-  const bool room_left = stream.room >= static_cast<int32_t>(sizeof(Char));
-  if (result >= 0 && room_left) {
-    *stream.position = 0;
-    return result;
+inline __attribute__((always_inline)) int format_bounded(Char* dst, size_t dst_count,
+                                                         const Char* format, va_list args) {
+  Arguments arguments(args);
+  Writer<Char> out(dst, dst_count);
+  const bool is_whole = write_formatted(&out, format, &arguments);
+  if (is_whole && out.room() != 0) {
+    *out.position() = 0;
+    return static_cast<int>(out.written());
   }
   dst[dst_count - 1] = 0;
-  return result >= 0 || stream.room < 0 ? kCut : -1;
+  return is_whole || out.is_cut() ? kCut : -1;
 }
 
 // A refused call empties the destination where there is one to empty.
@@ -256,9 +277,17 @@ int format_whole(Char* dst, size_t dst_count, const Char* format, va_list args) 
 
 // The exported engines: what callers hand over is tested for null and otherwise believed.
 template <typename Char>
-int run_exported(BoundedStream<Char>* stream, const Char* format, va_list args) {
+int format_to_stream(BoundedStream<Char>* stream, const Char* format, va_list args) {
   if (stream == nullptr || stream->position == nullptr || format == nullptr) return -1;
-  return run_engine(stream, format, args);
+  constexpr int32_t kUnit = sizeof(Char);
+  Arguments arguments(args);
+  Writer<Char> out(stream->position, static_cast<size_t>(std::max(stream->room, 0) / kUnit));
+  const bool is_whole = write_formatted(&out, format, &arguments);
+  stream->position = out.position();
+  stream->room -= static_cast<int32_t>(out.written()) * kUnit;
+  // The character that found no room has taken its share of it too.
+  if (out.is_cut() && stream->room >= 0) stream->room -= kUnit;
+  return is_whole ? static_cast<int>(out.written()) : -1;
 }
 
 }  // namespace plx::securec

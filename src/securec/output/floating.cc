@@ -64,21 +64,24 @@ struct PlatformFormat {
   }
 };
 
-// Splits the platform's text of `size` bytes at `text`.
-Field frame(const Conversion& conversion, const char* text, size_t size, size_t missing_digits) {
-  Field field;
+// Takes the platform's text apart, as far as zeros go between.
+FloatField frame(const Conversion& conversion, const char* text, size_t size, int missing_digits) {
+  FloatField field;
   const char* const end = text + size;
-  if (*text == '-' || *text == '+' || *text == ' ') field.add_prefix(*text++);
-  field.set_body(text, static_cast<size_t>(end - text));
-  if (!std::all_of(text, end, is_ascii)) field.columns = count_characters(text, field.body_size);
-  if (!is_digit(*text)) return field;  // an infinity or no number: neither zeros nor digits
-  field.zero_pads = conversion.pads_with_zeros();
+  const bool has_sign = *text == '-' || *text == '+' || *text == ' ';
+  const bool is_finite = is_digit(text[has_sign ? 1 : 0]);
+  field.zero_pads = is_finite && conversion.pads_with_zeros();
+  if (has_sign && field.zero_pads) field.prefix.add(*text++);
+  field.body = text;
+  field.body_size = field.text_columns = static_cast<size_t>(end - text);
+  if (!std::all_of(text, end, is_ascii))
+    field.text_columns = count_characters(text, field.body_size);
   // A general number drops the zeros at its end, unless told to keep them.
-  if (missing_digits == 0 ||
+  if (missing_digits == 0 || !is_finite ||
       (is_general(conversion.letter) && !conversion.has(Conversion::kAlternate))) {
     return field;
   }
-  field.inner_zeros = missing_digits;
+  field.zeros = static_cast<size_t>(missing_digits);
   if (!is_fixed(conversion.letter)) {
     const char* exponent = std::find_if(text, end, [](char c) { return c == 'e' || c == 'E'; });
     field.tail_size = static_cast<size_t>(end - exponent);
@@ -95,7 +98,7 @@ char* FloatText::reserve(size_t size) {
 }
 
 template <typename Float>
-bool FloatText::format_value(const Conversion& conversion, Float value, Field* field) {
+bool FloatText::format_value(const Conversion& conversion, Float value, FloatField* field) {
   using Limits = FloatLimits<Float>;
   const int precision = effective_precision(conversion);
   if (precision > INT_MAX - Limits::kFrame) return false;
@@ -114,12 +117,11 @@ bool FloatText::format_value(const Conversion& conversion, Float value, Field* f
   const PlatformFormat format(conversion);
   const int length = snprintf(buffer, size, format.text, digits, value);
   if (length < 0 || static_cast<size_t>(length) >= size) return false;
-  *field = frame(conversion, buffer, static_cast<size_t>(length),
-                 static_cast<size_t>(precision - digits));
+  *field = frame(conversion, buffer, static_cast<size_t>(length), precision - digits);
   return true;
 }
 
-bool FloatText::format(const Conversion& conversion, Arguments* arguments, Field* field) {
+bool FloatText::format(const Conversion& conversion, Arguments* arguments, FloatField* field) {
   const KeepErrno keep;
   if (conversion.has(Conversion::kLongDouble)) {
     return format_value(conversion, va_arg(arguments->list, long double), field);

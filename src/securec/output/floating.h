@@ -18,11 +18,11 @@ class FloatText {
   // Takes the argument of an 'e', 'f', 'g', 'E', 'F' or 'G'. False when nothing is to be printed:
   // there is no room or no memory for a number that long. The field's body lives as long as this
   // object.
-  bool format(const Conversion& conversion, Arguments* arguments, Field* field);
+  bool format(const Conversion& conversion, Arguments* arguments, FloatField* field);
 
  private:
   template <typename Float>
-  bool format_value(const Conversion& conversion, Float value, Field* field);
+  bool format_value(const Conversion& conversion, Float value, FloatField* field);
   char* reserve(size_t size);
 
   // A number that may need this much goes to the heap.

@@ -2,20 +2,19 @@
 #ifndef PLX_SRC_SECUREC_OUTPUT_INTEGER_H
 #define PLX_SRC_SECUREC_OUTPUT_INTEGER_H
 
+#include <stdint.h>
+
 #include "securec/output/arguments.h"
 #include "securec/output/conversion.h"
-#include "securec/output/digits.h"
 #include "securec/output/field.h"
 
 namespace plx::securec {
 
-using DigitBuffer = char[kMaxDigits];
+// Takes the argument of a 'd', 'i', 'u', 'o', 'x' or 'X'.
+IntegerField format_integer(const Conversion& conversion, Arguments* arguments);
 
-// Takes the argument of a 'd', 'i', 'u', 'o', 'x' or 'X'. The field's body stands in `buffer`.
-Field format_integer(const Conversion& conversion, Arguments* arguments, DigitBuffer& buffer);
-
-// The same for a 'p'.
-Field format_pointer(const Conversion& conversion, Arguments* arguments, DigitBuffer& buffer);
+// The address of a 'p', other than null.
+IntegerField format_pointer(const Conversion& conversion, uintptr_t address);
 
 }  // namespace plx::securec
 

@@ -18,16 +18,13 @@ int format_text_list(char* dst, size_t dst_size, size_t count, const char* forma
       (count >= SECURE_MEM_LIMIT && !is_unlimited(count))) {
     return refuse(dst, dst_size);
   }
-  if (count < dst_size) {
-    const int result = format_bounded(dst, count + 1, format, args);
-    // Callers depend on getting the cut text here, and nowhere else.
-    if (result == kCut) return -1;
-    return result >= 0 ? result : refuse(dst, dst_size);
-  }
-  const int result = format_whole(dst, dst_size, format, args);
-  // Callers depend on a terminator at the very end, whatever the length of the text.
-  dst[dst_size - 1] = 0;
-  return result;
+  const bool may_cut = count < dst_size;
+  const int result = format_bounded(dst, may_cut ? count + 1 : dst_size, format, args);
+  // Callers depend on a terminator at the very end, whatever the length of the text, when the
+  // count sets no limit, and on getting the cut text, here and nowhere else, when it does.
+  if (!may_cut) dst[dst_size - 1] = 0;
+  if (result >= 0) return result;
+  return may_cut && result == kCut ? -1 : refuse(dst, dst_size);
 }
 
 int format_text(char* dst, size_t dst_size, size_t count, const char* format, ...) {
@@ -69,7 +66,7 @@ int snprintf_s(char* dest, size_t destMax, size_t count, const char* format, ...
 }
 
 int securec_output_s(SecurecOutputStream* stream, const char* format, va_list args) {
-  return run_exported(stream, format, args);
+  return format_to_stream(stream, format, args);
 }
 
 }  // extern "C"

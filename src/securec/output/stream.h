@@ -10,6 +10,9 @@
 
 #include <algorithm>
 
+#include "securec/output/blocks.h"
+#include "securec/output/digits.h"
+
 namespace plx::securec {
 
 // The record that callers of the exported engines fill, for each character width. The room is
@@ -42,72 +45,109 @@ inline size_t count_writable(const wchar_t* text, size_t count) {
   return bad != nullptr ? static_cast<size_t>(bad - text) : count;
 }
 
-// Writes to a stream's room. Every write stores what fits and returns false when that was not
-// everything; the engine then stops. Keeps its own position and gives it back at the end.
+// Writes fields and text one after the other, into room that is known to suffice. Every write says
+// true, so that it can stand where a Writer stands.
+template <typename Char>
+class Pen {
+ public:
+  explicit Pen(Char* position) : position_(position) {}
+
+  bool write_ascii(const char* text, size_t count) {
+    copy_block(advance(count), text, count);
+    return true;
+  }
+
+  bool write_repeated(char c, size_t count) {
+    fill_block(advance(count), c, count);
+    return true;
+  }
+
+  bool write_digits(const Digits& digits, size_t count) {
+    if constexpr (sizeof(Char) == 1) {
+      digits.write(advance(count) + count);
+      return true;
+    } else {
+      char text[kMaxDigits];
+      digits.write(text + count);
+      return write_ascii(text, count);
+    }
+  }
+
+ private:
+  Char* advance(size_t count) {
+    Char* const start = position_;
+    position_ += count;
+    return start;
+  }
+
+  Char* position_;
+};
+
+// Writes to a bounded room. Every write stores what fits and returns false when that was not
+// everything; the engine then stops.
 template <typename Char>
 class Writer {
  public:
-  explicit Writer(BoundedStream<Char>* stream)
-      : stream_(stream),
-        position_(stream->position),
-        start_(stream->room > 0 ? static_cast<size_t>(stream->room) / kUnit : 0),
-        room_(start_) {}
+  Writer(Char* position, size_t room) : position_(position), start_(room), room_(room) {}
   Writer(const Writer&) = delete;
   Writer& operator=(const Writer&) = delete;
 
-  ~Writer() {
-    stream_->position = position_;
-    if (stream_->room < 0) return;
-    // The character that found no room has taken its share of it too.
-    const size_t taken = (written() + (cut_ ? 1 : 0)) * kUnit;
-    stream_->room = static_cast<int32_t>(stream_->room - static_cast<int64_t>(taken));
-  }
-
-  size_t written() const { return start_ - room_; }
+  Char* position() const { return position_; }
   size_t room() const { return room_; }
+  size_t written() const { return start_ - room_; }
+  bool is_cut() const { return is_cut_; }
+
+  // Room for `count` characters that the caller writes, where there is so much.
+  Pen<Char> claim(size_t count) {
+    const Pen<Char> pen(position_);
+    advance(count);
+    return pen;
+  }
 
   bool write_run(const Char* text, size_t count) {
     const size_t fitting = std::min(count, room_);
     const size_t writable = count_writable(text, fitting);
-    if (writable != 0) memcpy(position_, text, writable * sizeof(Char));
+    copy_block(position_, text, writable);
     advance(writable);
     return writable == fitting && everything(fitting, count);
-  }
-
-  bool write_repeated(char c, size_t count) {
-    const size_t fitting = std::min(count, room_);
-    std::fill_n(position_, fitting, static_cast<Char>(c));
-    advance(fitting);
-    return everything(fitting, count);
   }
 
   // `count` ASCII characters.
   bool write_ascii(const char* text, size_t count) {
     const size_t fitting = std::min(count, room_);
-    std::copy_n(text, fitting, position_);
+    copy_block(position_, text, fitting);
     advance(fitting);
     return everything(fitting, count);
   }
 
- private:
-  // What a character takes of the stream's room.
-  static constexpr size_t kUnit = sizeof(Char);
+  bool write_repeated(char c, size_t count) {
+    const size_t fitting = std::min(count, room_);
+    fill_block(position_, c, fitting);
+    advance(fitting);
+    return everything(fitting, count);
+  }
 
+  bool write_digits(const Digits& digits, size_t count) {
+    char text[kMaxDigits];
+    digits.write(text + count);
+    return write_ascii(text, count);
+  }
+
+ private:
   void advance(size_t count) {
     position_ += count;
     room_ -= count;
   }
 
   bool everything(size_t fitting, size_t count) {
-    cut_ = fitting != count;
-    return !cut_;
+    is_cut_ = fitting != count;
+    return !is_cut_;
   }
 
-  BoundedStream<Char>* stream_;
   Char* position_;
   const size_t start_;
   size_t room_;
-  bool cut_ = false;
+  bool is_cut_ = false;
 };
 
 }  // namespace plx::securec

@@ -20,7 +20,7 @@ int swprintf_s(wchar_t* dest, size_t destMax, const wchar_t* format, ...) {
 }
 
 int securec_woutput_s(SecurecWideOutputStream* stream, const wchar_t* format, va_list args) {
-  return run_exported(stream, format, args);
+  return format_to_stream(stream, format, args);
 }
 
 }  // extern "C"

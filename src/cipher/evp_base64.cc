@@ -1,4 +1,4 @@
-#include "cipher/base64_text.h"
+#include "cipher/evp_base64.h"
 
 #include <stdint.h>
 

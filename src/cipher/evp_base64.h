@@ -1,6 +1,6 @@
 // Base64 by libcrypto, as CCipher offers it: into fresh blocks of array-new.
-#ifndef PLX_SRC_CIPHER_BASE64_TEXT_H
-#define PLX_SRC_CIPHER_BASE64_TEXT_H
+#ifndef PLX_SRC_CIPHER_EVP_BASE64_H
+#define PLX_SRC_CIPHER_EVP_BASE64_H
 
 #include <stddef.h>
 
