@@ -52,7 +52,9 @@
 #endif
 
 #ifdef __clang__
-#define PLX_CHECK_SEEN_(condition, text) __attribute__((diagnose_if(condition, text, "warning")))
+#define PLX_CHECK_SEEN_(condition, text)                                                \
+  _Pragma("clang diagnostic push") _Pragma("clang diagnostic ignored \"-Wgcc-compat\"") \
+      __attribute__((diagnose_if(condition, text, "warning"))) _Pragma("clang diagnostic pop")
 #define PLX_CHECK_ROOM_(block, type, count, text) \
   PLX_CHECK_SEEN_(__builtin_object_size(block, 0) / sizeof(type) < (size_t)(count), text)
 #define PLX_CHECK_WRITES(dest_at, size_at, dest, size) \

@@ -107,7 +107,8 @@ PLX_API int PLX_AesDecryByMode(const tagAes* aes, char* in, int inLen, char* out
  * 2048 characters. Zero `out` before the call: a result of 1 with nothing written is a failure.
  * That is so when padding is off and the length is no multiple of 16, and with 192 bits when the
  * length modulo 48 is one of 16 to 23. */
-PLX_API int PLX_AesEncry(const char* request, char* out) PLX_TYPED("_Z12PLX_AesEncryPKcPc");
+PLX_API int PLX_AesEncry(const char* request, char* out)
+    PLX_TYPED("_Z12PLX_AesEncryPKcPc") PLX_CHECK_RESULT;
 
 /* PLX_AesDecry decrypts "cipherText" into `out`, which holds `outSize` bytes, and ends the plain
  * text with a terminator. `outSize` must be at least the number of hexadecimal digits rounded down
@@ -116,7 +117,8 @@ PLX_API int PLX_AesEncry(const char* request, char* out) PLX_TYPED("_Z12PLX_AesE
  * `out` that starts inside a buffer of yours, set the byte before it to something else, and test it
  * afterwards. */
 PLX_API int PLX_AesDecry(const char* request, char* out, int outSize)
-    PLX_TYPED("_Z12PLX_AesDecryPKcPci");
+    PLX_TYPED("_Z12PLX_AesDecryPKcPci") PLX_CHECK_RESULT
+    PLX_CHECK_BEHIND_LABEL(PLX_CHECK_WRITES(2, 3, out, outSize));
 
 /* ---- Sealed texts --------------------------------------------------------------------------- */
 
@@ -148,7 +150,8 @@ PLX_BEGIN_DECLS
  *  - `outSize` is not above what would be returned: nothing, for instance, needs 49 bytes
  *  - no random bytes or no memory can be had. */
 PLX_API int PLX_aesCbcEncryptByKey(const unsigned char* in, int inLen, char* out, int outSize,
-                                   const unsigned char* key, AES_CBC_TYPE type);
+                                   const unsigned char* key, AES_CBC_TYPE type) PLX_CHECK_RESULT
+    PLX_CHECK_READS(1, 2, in, inLen) PLX_CHECK_WRITES(3, 4, out, outSize);
 
 /* PLX_aesCbcDecryptByKey opens the sealed text of `inLen` characters at `in` into `out`, which
  * holds `outSize` bytes, with a terminator. Returns the length of the plain text. When that holds
@@ -159,7 +162,8 @@ PLX_API int PLX_aesCbcEncryptByKey(const unsigned char* in, int inLen, char* out
  *  - the text decodes to fewer than 16 bytes (CCipher::UnBase64: malformed text must be writable)
  *  - `outSize` is not above the length of the plain text, or memory is short. */
 PLX_API int PLX_aesCbcDecryptByKey(const char* in, int inLen, char* out, int outSize,
-                                   const unsigned char* key, AES_CBC_TYPE type);
+                                   const unsigned char* key, AES_CBC_TYPE type) PLX_CHECK_RESULT
+    PLX_CHECK_READS(1, 2, in, inLen) PLX_CHECK_WRITES(3, 4, out, outSize);
 
 /* These four do the same with AES_CBC_128 and the first 16 characters of a stored key
  * (plx/key_store.h), filled with zeros if it is shorter. Line feeds stand as "_" in the sealed
@@ -171,11 +175,17 @@ PLX_API int PLX_aesCbcDecryptByKey(const char* in, int inLen, char* out, int out
  *
  * PLX_aesCbcEncryptByRandomKey and PLX_aesCbcDecryptByRandomKey take "epg_profile_key", the key of
  * this box, and load it at every call. Only the IV is random, as in all of these. */
-PLX_API int PLX_aesCbcEncrypt(const unsigned char* in, int inLen, char* out, int outSize);
-PLX_API int PLX_aesCbcDecrypt(const char* in, int inLen, char* out, int outSize);
+PLX_API int PLX_aesCbcEncrypt(const unsigned char* in, int inLen, char* out,
+                              int outSize) PLX_CHECK_RESULT PLX_CHECK_READS(1, 2, in, inLen)
+    PLX_CHECK_WRITES(3, 4, out, outSize);
+PLX_API int PLX_aesCbcDecrypt(const char* in, int inLen, char* out, int outSize) PLX_CHECK_RESULT
+    PLX_CHECK_READS(1, 2, in, inLen) PLX_CHECK_WRITES(3, 4, out, outSize);
 PLX_API int PLX_aesCbcEncryptByRandomKey(const unsigned char* in, int inLen, char* out,
-                                         int outSize);
-PLX_API int PLX_aesCbcDecryptByRandomKey(const char* in, int inLen, char* out, int outSize);
+                                         int outSize) PLX_CHECK_RESULT
+    PLX_CHECK_READS(1, 2, in, inLen) PLX_CHECK_WRITES(3, 4, out, outSize);
+PLX_API int PLX_aesCbcDecryptByRandomKey(const char* in, int inLen, char* out,
+                                         int outSize) PLX_CHECK_RESULT
+    PLX_CHECK_READS(1, 2, in, inLen) PLX_CHECK_WRITES(3, 4, out, outSize);
 
 PLX_END_DECLS
 

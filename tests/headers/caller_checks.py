@@ -13,7 +13,8 @@ COMPILERS = [(name, language) for name in ("gcc", "clang") for language in (
 
 
 def warned_lines(compiler, language, *options):
-    command = [compiler, *language, "-O1", "-Wall", "-Wextra", "-Wno-unknown-warning-option", "-c",
+    command = [compiler, *language, "-O1", "-Wall", "-Wextra", "-Wpedantic", "-Wno-unknown-warning-option",
+               "-c",
                SOURCE, "-I", INCLUDE, "-o", "/dev/null", "-fno-caret-diagnostics"
                if compiler == "clang" else "-fno-diagnostics-show-caret", *options]
     done = subprocess.run(command, capture_output=True, text=True, check=False)
