@@ -39,6 +39,17 @@ install(CODE "
 install(FILES ${PROJECT_BINARY_DIR}/plxutility.pc
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
 
+# The tool, its manual pages and completion, and the debugging twin that a program preloads.
+if(PLX_BUILD_TOOLS)
+  install(TARGETS plxutil RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tool)
+  install(TARGETS plxutility-debug
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/plxutility COMPONENT tool)
+  install(DIRECTORY ${PROJECT_BINARY_DIR}/man/man1
+    DESTINATION ${CMAKE_INSTALL_MANDIR} COMPONENT tool OPTIONAL)
+  install(FILES ${PROJECT_SOURCE_DIR}/tools/completion/plxutil
+    DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/bash-completion/completions COMPONENT tool)
+endif()
+
 # Documentation: pages, examples, and the reference where scripts/docs has made one.
 set(PLX_REFERENCE_DIR "${PROJECT_SOURCE_DIR}/build/docs" CACHE PATH
     "Where scripts/docs has written html/ and man/")

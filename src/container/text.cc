@@ -42,7 +42,6 @@ Span find_value(const char* text, const char* key) {
   if (p == nullptr) return kNoValue;
   p += strlen(key);
   while (*p == '=' || is_blank(*p)) ++p;
-  if (*p == 0) return kNoValue;
   if (*p == '"') return value_until(p + 1, '"');
   // Callers depend on an unquoted value counting only with a comma behind it.
   return value_until(p, ',');
@@ -57,14 +56,12 @@ Span first_word(const char* text, const char* end) {
 // pieces behind it are appended all the same.
 void append_pieces(char* dst, size_t dst_size, const char* src, char c) {
   const char* const end = src + strlen(src);
-  for (;;) {
-    const auto* found = static_cast<const char*>(memchr(src, c, static_cast<size_t>(end - src)));
-    if (found == nullptr) break;
-    securec::append_string(dst, dst_size, src, static_cast<size_t>(found - src));
-    src = found + 1;
-    if (src == end) return;
+  while (const void* const found = memchr(src, c, static_cast<size_t>(end - src))) {
+    const auto* const next = static_cast<const char*>(found);
+    securec::append_string(dst, dst_size, src, static_cast<size_t>(next - src));
+    src = next + 1;
   }
-  securec::append_string(dst, dst_size, src, static_cast<size_t>(end - src) + 1);
+  securec::append_string(dst, dst_size, src, static_cast<size_t>(end - src));
 }
 
 const char* find_ignoring_case(const char* haystack, const char* needle) {
@@ -109,7 +106,7 @@ void PLX_getStrValue(const char* text, const char* key, char* out, unsigned int 
 
 char* PLX_getFirstString(const char* text, int len, char* out, int outSize) {
   if (text == nullptr) return nullptr;
-  if (len <= 0 || out == nullptr || outSize <= 1) return out;
+  if (len <= 0 || out == nullptr || outSize <= 0) return out;
   const Span word = first_word(text, text + len);
   const size_t size = std::min(word.length, static_cast<size_t>(outSize) - 1);
   if (size == 0) return out;

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 #include <plx/securec.h>
+
 #include <string>
 
 #include "support/standard_input.h"

@@ -187,7 +187,7 @@ const Char* read_conversion(const Char* at, Conversion* out) {
   const unsigned char name = ascii(*at);
   out->letter = kLetters.of[name];
   out->is_pointer = (name | 0x20) == 'p';
-  return name == 0 ? at : at + 1;
+  return at + 1;
 }
 
 }  // namespace plx::securec::input

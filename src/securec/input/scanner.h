@@ -39,7 +39,7 @@ class Scanner {
   // Returns the number of fields assigned, or one of the results above.
   int scan() {
     Step step = Step::kDone;
-    while (*format_ != 0 && step == Step::kDone) step = follow_directive();
+    while (step == Step::kDone && *format_ != 0) step = follow_directive();
     if (step == Step::kNull) return kNullDestination;
     if (step == Step::kInputEnded && assigned_ == 0) return kEndOfInput;
     return assigned_;

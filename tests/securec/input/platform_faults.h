@@ -1,4 +1,5 @@
 // What the platform answers on demand: files whose position cannot be told or set, and another
+// decimal point. streams_test.cc puts these in place by the linker's --wrap.
 #ifndef PLX_TESTS_SECUREC_INPUT_PLATFORM_FAULTS_H
 #define PLX_TESTS_SECUREC_INPUT_PLATFORM_FAULTS_H
 

@@ -2,6 +2,7 @@
 // string, a file, a stream without position and standard input, for the engine must not know the
 // difference.
 #include <gtest/gtest.h>
+#include <limits.h>
 
 #include "securec/input/platform_faults.h"
 #include "securec/input/scan.h"
@@ -43,6 +44,7 @@ const Row kDirectives[] = {
 
 const Row kTexts[] = {
     {"hello", "%s", "s6", "1 hello_", ""},
+    {" \t\n\v\f\rab cd", "%s%s", "s3 s3", "2 ab_|cd_", ""},
     {"hello", "%s", "s5", "0 _ell.", "o"},  // no room for the terminator
     {"hello", "%3s", "s3", "0 _e.", "llo"},
     {"1 hello", "%d%s", "i4 s1", "1 1|_", "hello"},
@@ -170,6 +172,25 @@ TYPED_TEST(Rows, NullArguments) {
   EXPECT_EQ(-1, Scan<TypeParam>::kFile(nullptr, text));
   EXPECT_EQ(-1, Scan<TypeParam>::kFile(stdin, null));
   EXPECT_EQ(-1, Scan<TypeParam>::kStandardInput(null));
+}
+
+// The length of a string must be an int. One block of memory is mapped again and again.
+TEST(LongText, IsRefused) {
+  if (sizeof(void*) == 4) GTEST_SKIP() << "no such string fits";
+  constexpr size_t kBlock = 1 << 24, kBlocks = 129;
+  FILE* file = file_of(std::string(kBlock, 'a'));
+  char* text = static_cast<char*>(mmap(nullptr, kBlock * kBlocks, PROT_NONE,
+                                       MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0));
+  for (size_t i = 0; i < kBlocks; ++i) {
+    ASSERT_NE(MAP_FAILED, mmap(text + i * kBlock, kBlock, PROT_READ | PROT_WRITE,
+                               MAP_PRIVATE | MAP_FIXED, fileno(file), 0));
+  }
+  text[size_t{INT_MAX} + 1] = 0;
+  EXPECT_EQ("-1 .", Destinations("s1").call(sscanf_s, text, "%c"));
+  text[INT_MAX] = 0;
+  EXPECT_EQ("1 a", Destinations("s1").call(sscanf_s, text, "%c"));
+  munmap(text, kBlock * kBlocks);
+  fclose(file);
 }
 
 }  // namespace

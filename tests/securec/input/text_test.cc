@@ -59,6 +59,7 @@ TEST_F(Text, BeyondAscii) {
   EXPECT_EQ("2 a??_|b", scan("a\u00e9b", "%3ls%lc", "w4 w1"));
   EXPECT_EQ("2 a<c3>_|<85>", scan("a\xc3\x85", "%2s%c", "s3 s1"));
   EXPECT_EQ("1 <e9><ff>_", scan("\xe9\xff\x7f", "%[\xe0-\xff]", "s3"));
+  EXPECT_EQ("1 inf", scan("1e999", "%f", "f"));
   EXPECT_EQ(77, errno);
   setlocale(LC_CTYPE, "C");
   EXPECT_EQ("1 a?_.", scan(L"a\u20ac", L"%s", "s4"));
