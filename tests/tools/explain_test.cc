@@ -44,7 +44,7 @@ std::string member(const char* name, const std::string& value) {
   return value == "-" ? "" : std::string("\"") + name + "\":" + value + ",";
 }
 
-std::string quoted(const std::string& text) { return '"' + text + '"'; }
+std::string in_quotes(const std::string& text) { return '"' + text + '"'; }
 
 struct Request {
   std::string mode, size, padding, key, iv, text;
@@ -92,9 +92,9 @@ Request throw_request(Dice* dice) {
   const size_t bits = static_cast<size_t>(atoi(request.size.c_str()));
   const size_t fitting = bits >= 128 ? bits / 8 - 4 : 12;
   const size_t lengths[] = {fitting, fitting, fitting, 11, 0, 40};
-  request.key = dice->below(12) == 0 ? "-" : quoted(std::string(lengths[dice->below(6)], 'p'));
-  request.iv = dice->below(8) == 0 ? "-" : quoted(std::string(dice->below(36), 'i'));
-  request.text = dice->below(16) == 0 ? "-" : quoted(std::string(dice->below(120), 't'));
+  request.key = dice->below(12) == 0 ? "-" : in_quotes(std::string(lengths[dice->below(6)], 'p'));
+  request.iv = dice->below(8) == 0 ? "-" : in_quotes(std::string(dice->below(36), 'i'));
+  request.text = dice->below(16) == 0 ? "-" : in_quotes(std::string(dice->below(120), 't'));
   return request;
 }
 
@@ -117,7 +117,7 @@ TEST(Explain, ForetellsDecryption) {
     if (change == 0 && !digits.empty()) digits.pop_back();
     if (change == 1 && !digits.empty()) digits[dice.below(digits.size())] = 'z';
     if (change == 2) digits = std::string(dice.below(70), 'a');
-    request.text = quoted(digits);
+    request.text = in_quotes(digits);
     expect_foretold(request.json("cipherText"), true);
   }
 }
