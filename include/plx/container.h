@@ -16,29 +16,29 @@ PLX_BEGIN_DECLS
 
 /* PLX_malloc returns a new block of `size` bytes, all zero, or null when `size` is 0, is above
  * 0x7FFFFFFF, or memory is short. Release it with PLX_free. */
-PLX_API void* PLX_malloc(size_t size);
+PLX_API void* PLX_malloc(size_t size) PLX_CHECK_RESULT;
 
 /* PLX_realloc resizes `block` as the C realloc does and returns it, possibly moved, or null with
  * `block` still valid. A `size` of 0 returns null and leaves `block` alone: unlike the C realloc it
  * never frees. */
-PLX_API void* PLX_realloc(void* block, size_t size);
+PLX_API void* PLX_realloc(void* block, size_t size) PLX_CHECK_RESULT;
 
 /* PLX_reallocMem grows `oldBlock` (may be null), of which the first `oldLen` bytes are kept, to
  * `newSize` bytes. The bytes behind them are indeterminate. Always consumes `oldBlock`: when
  * `newSize` is not above `oldLen`, is above 0x7FFFFFFF, or memory is short, `oldBlock` is freed and
  * null returned, so a null result means that the data is lost. */
-PLX_API void* PLX_reallocMem(void* oldBlock, size_t newSize, size_t oldLen);
+PLX_API void* PLX_reallocMem(void* oldBlock, size_t newSize, size_t oldLen) PLX_CHECK_RESULT;
 
 /* PLX_free releases a block of this family. Null is ignored. */
 PLX_API void PLX_free(void* block);
 
 /* PLX_strdup returns a heap copy of `str`, to be released with PLX_free; null for null or when
  * memory is short. */
-PLX_API char* PLX_strdup(const char* str);
+PLX_API char* PLX_strdup(const char* str) PLX_CHECK_RESULT;
 
 /* PLX_posix_memalign and PLX_valloc are the C library's functions of those names. */
-PLX_API int PLX_posix_memalign(void** out, size_t alignment, size_t size);
-PLX_API void* PLX_valloc(size_t size);
+PLX_API int PLX_posix_memalign(void** out, size_t alignment, size_t size) PLX_CHECK_RESULT;
+PLX_API void* PLX_valloc(size_t size) PLX_CHECK_RESULT;
 
 /* ---- Dynamic array -------------------------------------------------------------------------- */
 
@@ -69,7 +69,7 @@ typedef struct PLX_array {
 
 /* PLX_array_create returns a new empty array, or null when memory is short. `cleanFn` may be null.
  * Release it with PLX_array_destroy or PLX_array_destroyWithoutClean. */
-PLX_API PLX_array* PLX_array_create(void (*cleanFn)(void* element));
+PLX_API PLX_array* PLX_array_create(void (*cleanFn)(void* element)) PLX_CHECK_RESULT;
 
 /* PLX_array_clean releases the elements in index order and then the slots. The array is empty
  * afterwards and keeps its `cleanFn`. */
@@ -85,14 +85,14 @@ PLX_API void PLX_array_destroyWithoutClean(PLX_array* array);
 PLX_API int PLX_array_getCount(const PLX_array* array);
 
 /* PLX_array_append stores `element`, which may be null, behind the last one. */
-PLX_API int PLX_array_append(PLX_array* array, void* element);
+PLX_API int PLX_array_append(PLX_array* array, void* element) PLX_CHECK_RESULT;
 
 /* PLX_array_getIndex returns the element at `index`; null outside 0 to count - 1. */
 PLX_API void* PLX_array_getIndex(const PLX_array* array, int index);
 
 /* PLX_array_insert stores `element`, which may be null, before the one at `index` and moves that
  * one and its followers up. An `index` above the count appends; a negative one inserts at 0. */
-PLX_API int PLX_array_insert(PLX_array* array, void* element, int index);
+PLX_API int PLX_array_insert(PLX_array* array, void* element, int index) PLX_CHECK_RESULT;
 
 /* PLX_array_modify releases the element at `index` and stores `element`, which must not be null,
  * in its place. Storing the element that is already there therefore leaves a released one.
@@ -100,11 +100,11 @@ PLX_API int PLX_array_insert(PLX_array* array, void* element, int index);
  * counted, and a pointer that stands there is released first. After a deletion from the middle that
  * pointer is a second copy of the last element, which is still in use. Returns -1 for an `index`
  * below 0 or above the count. */
-PLX_API int PLX_array_modify(PLX_array* array, int index, void* element);
+PLX_API int PLX_array_modify(PLX_array* array, int index, void* element) PLX_CHECK_RESULT;
 
 /* PLX_array_preAppend makes room for `n` more elements, so that appending them allocates nothing.
  * With room for them already, or `n` below 1, it does nothing and returns 0. */
-PLX_API int PLX_array_preAppend(PLX_array* array, int n);
+PLX_API int PLX_array_preAppend(PLX_array* array, int n) PLX_CHECK_RESULT;
 
 /* PLX_array_delete releases the element at `index` and closes the gap; indexes outside 0 to
  * count - 1 are ignored. PLX_array_deleteWithoutClean closes the gap and leaves the element to the
@@ -137,14 +137,15 @@ PLX_API int PLX_array_move(PLX_array* array, int from, int to);
 /* PLX_array_createFromArray returns a new array with the same elements and the same `cleanFn`, or
  * null when `array` is null or empty or memory is short. The elements are shared: only one of the
  * two arrays may clean them. */
-PLX_API PLX_array* PLX_array_createFromArray(const PLX_array* array);
+PLX_API PLX_array* PLX_array_createFromArray(const PLX_array* array) PLX_CHECK_RESULT;
 
 /* ---- Hash table ----------------------------------------------------------------------------- */
 
+/* One entry of a hash table. */
 typedef struct PLX_hashtable_node {
-  void* value;
-  const void* key;
-  struct PLX_hashtable_node* next;
+  void* value;                     /* to be released by freeFn */
+  const void* key;                 /* the caller's */
+  struct PLX_hashtable_node* next; /* the next older one of its bucket */
 } PLX_hashtable_node;
 
 /* PLX_hashtable is a chained hash table with a number of buckets that is fixed at creation.
@@ -159,11 +160,11 @@ typedef struct PLX_hashtable_node {
  * Values stay where they are; only the removal of its own node invalidates one. */
 typedef struct PLX_hashtable {
   PLX_hashtable_node** buckets; /* the chains' heads */
-  uint32_t bucketCount;
+  uint32_t bucketCount;         /* fixed at creation */
   uint32_t nodeCount;           /* nodes inserted minus nodes deleted; clear leaves it as it was */
   uint32_t enumBucket;          /* enumeration: the current bucket */
   PLX_hashtable_node* enumNode; /* enumeration: the next node */
-  uint32_t (*hashFn)(const void* key, uint32_t bucketCount);
+  uint32_t (*hashFn)(const void* key, uint32_t bucketCount);      /* a bucket's index */
   int (*compareFn)(const void* storedKey, const void* wantedKey); /* 0 when equal */
   void (*freeFn)(void* value);                                    /* may be null */
 } PLX_hashtable;
@@ -173,12 +174,14 @@ typedef struct PLX_hashtable {
  * 0x7FFFFFFF bytes. `hashFn` must answer below `bucketCount`. */
 PLX_API PLX_hashtable* PLX_hashtable_create(
     uint32_t bucketCount, uint32_t (*hashFn)(const void* key, uint32_t bucketCount),
-    int (*compareFn)(const void* storedKey, const void* wantedKey), void (*freeFn)(void* value));
+    int (*compareFn)(const void* storedKey, const void* wantedKey),
+    void (*freeFn)(void* value)) PLX_CHECK_RESULT;
 
 /* PLX_hashtable_insert adds a node for `key` and `value` and returns 0, or -1 when a pointer is
  * null, `hashFn` answers out of range, or memory is short. Equal keys are not looked for: a second
  * node hides the first until it is deleted. */
-PLX_API int PLX_hashtable_insert(PLX_hashtable* table, const void* key, void* value);
+PLX_API int PLX_hashtable_insert(PLX_hashtable* table, const void* key,
+                                 void* value) PLX_CHECK_RESULT;
 
 /* PLX_hashtable_find returns the value inserted last under `key`, or null when there is none, a
  * pointer is null, or `hashFn` answers out of range. */
@@ -224,16 +227,17 @@ PLX_API int PLX_stringHashCompare(const void* a, const void* b);
  * enumeration, whose position is lost; null when `table` is null, its `nodeCount` is 0, or memory
  * is short. The values are shared with the table: only one of the two may release them. */
 PLX_API PLX_array* PLX_array_createFromHashTable(PLX_hashtable* table,
-                                                 void (*cleanFn)(void* element));
+                                                 void (*cleanFn)(void* element)) PLX_CHECK_RESULT;
 
 PLX_END_DECLS
 
 /* ---- Buffer list ---------------------------------------------------------------------------- */
 
+/* One buffer of a list. */
 typedef struct PLX_bufList_node {
-  void* buf;
-  int32_t len;
-  struct PLX_bufList_node* next;
+  void* buf;                     /* its bytes */
+  int32_t len;                   /* bytes in use */
+  struct PLX_bufList_node* next; /* the next free one, or the next in the queue */
 } PLX_bufList_node;
 
 /* PLX_bufList is a pool of equal buffers with a queue of filled ones: first in, first out. Nothing
@@ -265,7 +269,8 @@ typedef struct PLX_bufList {
  *   PLX_bufList_init at 38 line,error!   `bufNum` refused, or no memory for the nodes
  *   PLX_bufList_init at 44 line          `bufSize` refused, or no memory for the buffers
  *   PLX_bufList_init at 65 line          success */
-PLX_API PLX_bufList* PLX_bufList_init(int bufNum, int bufSize) PLX_TYPED("_Z16PLX_bufList_initii");
+PLX_API PLX_bufList* PLX_bufList_init(int bufNum, int bufSize)
+    PLX_TYPED("_Z16PLX_bufList_initii") PLX_CHECK_RESULT;
 
 /* PLX_bufList_realse frees `list` with all its buffers. The name is spelled so. */
 PLX_API void PLX_bufList_realse(PLX_bufList* list)
@@ -275,7 +280,7 @@ PLX_API void PLX_bufList_realse(PLX_bufList* list)
  * a pointer is null; -2 when no buffer is free. Taking a second buffer before the first is queued
  * loses the first until the list is freed. */
 PLX_API int PLX_bufList_getUseableBuf(PLX_bufList* list, void** buf)
-    PLX_TYPED("_Z25PLX_bufList_getUseableBufP11PLX_bufListPPv");
+    PLX_TYPED("_Z25PLX_bufList_getUseableBufP11PLX_bufListPPv") PLX_CHECK_RESULT;
 
 /* PLX_bufList_push_back queues the buffer that getUseableBuf handed out last, as `buf` with `len`
  * bytes. `buf` is stored, not copied: a foreign pointer takes the place of that buffer in the pool
@@ -284,17 +289,17 @@ PLX_API int PLX_bufList_getUseableBuf(PLX_bufList* list, void** buf)
  * Returns 0; -1 when a pointer is null or no buffer was ever taken; -3, with nothing changed, when
  * `len` is above `bufSize`. */
 PLX_API int PLX_bufList_push_back(PLX_bufList* list, const void* buf, int len)
-    PLX_TYPED("_Z21PLX_bufList_push_backP11PLX_bufListPKvi");
+    PLX_TYPED("_Z21PLX_bufList_push_backP11PLX_bufListPKvi") PLX_CHECK_RESULT;
 
 /* PLX_bufList_pop_front takes the front buffer into `*buf` and `*len` and puts it back into the
  * pool. Returns 0, or -1 when a pointer is null or the queue is empty. */
 PLX_API int PLX_bufList_pop_front(PLX_bufList* list, void** buf, int* len)
-    PLX_TYPED("_Z21PLX_bufList_pop_frontP11PLX_bufListPPvPi");
+    PLX_TYPED("_Z21PLX_bufList_pop_frontP11PLX_bufListPPvPi") PLX_CHECK_RESULT;
 
 /* PLX_bufList_front stores the front buffer into `*buf` and `*len`, each unless null, and leaves it
  * queued. Returns 0, or -1 when `list` is null or the queue is empty. */
 PLX_API int PLX_bufList_front(PLX_bufList* list, void** buf, int* len)
-    PLX_TYPED("_Z17PLX_bufList_frontP11PLX_bufListPPvPi");
+    PLX_TYPED("_Z17PLX_bufList_frontP11PLX_bufListPPvPi") PLX_CHECK_RESULT;
 
 /* PLX_bufList_clearAllBufList puts every queued buffer back into the pool. Returns 0, or -1 for
  * null. */
@@ -324,21 +329,24 @@ PLX_API void PLX_RemoveSpecifiedCharacter(const char* src, char* dst, char ch);
  * `out[0]` is cleared first. When a value is found, as many of its bytes as fit are copied and
  * `out[outSize - 1]` is cleared; the bytes between keep their contents, so clear `out` before. An
  * `outSize` of 0 writes nothing. `out` must not overlap `text`. */
-PLX_API void PLX_getStrValue(const char* text, const char* key, char* out, unsigned int outSize);
+PLX_API void PLX_getStrValue(const char* text, const char* key, char* out, unsigned int outSize)
+    PLX_CHECK_WRITES(3, 4, out, outSize);
 
 /* PLX_getFirstString copies the first word of the `len` bytes at `text` to `out`, which holds
  * `outSize` bytes, cuts it to fit and terminates it. Words end at spaces, tabs, line and form
  * feeds, carriage returns and backspaces; a zero byte is part of a word. Without a word, or with a
  * `len` below 1 or an `outSize` below 2, `out` is left alone. Returns `out`, or null when `text` is
  * null. */
-PLX_API char* PLX_getFirstString(const char* text, int len, char* out, int outSize);
+PLX_API char* PLX_getFirstString(const char* text, int len, char* out, int outSize)
+    PLX_CHECK_READS(1, 2, text, len) PLX_CHECK_WRITES(3, 4, out, outSize);
 
 /* removeCharacter writes `src` without the bytes that equal `ch` to `dst`, which holds `dstSize`
  * bytes. When there is none in it (or `ch` is 0), `dst` is overwritten by strncpy_s. Otherwise the
  * pieces between are appended to the text in `dst` by strncat_s: it must hold one, normally the
  * empty one. What does not fit empties `dst` as those functions do; pieces behind it are then
  * appended all the same. Returns -1 when a pointer is null or `dstSize` is 0, else 0. */
-PLX_API int removeCharacter(const char* src, char* dst, unsigned int dstSize, int ch);
+PLX_API int removeCharacter(const char* src, char* dst, unsigned int dstSize, int ch)
+    PLX_CHECK_UPDATES(2, 3, dst, dstSize);
 
 /* strstrcase returns the first place in `haystack` where `needle` stands in any mix of upper and
  * lower case, or null when there is none or an argument is null. An empty `needle` stands at the

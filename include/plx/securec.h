@@ -36,6 +36,7 @@ PLX_BEGIN_DECLS
 
 #ifndef PLX_ERRNO_T_DEFINED
 #define PLX_ERRNO_T_DEFINED
+/* errno_t holds one of the codes below. */
 typedef int errno_t;
 #endif
 
@@ -49,6 +50,7 @@ typedef int errno_t;
 #define SECURE_MEM_LIMIT 0x7FFFFFFFUL   /* largest size in bytes */
 #define SECURE_WCHAR_LIMIT 0x1FFFFFFFUL /* largest count of wide characters */
 
+/* What getQxSecureCVersion reports. */
 #define SECURE_C_VERSION_TEXT "Orvane Secure C V100R001C01SPC004"
 #define SECURE_C_VERSION_NUMBER 0x0504
 
@@ -57,7 +59,8 @@ typedef int errno_t;
  * Returns the result of copying the text: 0, or 162 with `buf` emptied when `bufSize` is from 1 to
  * 33. When there is nothing to copy to (`buf` null or `bufSize` below 1) it returns `buf` itself,
  * as a number: test `*verNumber` and the buffer rather than the result. */
-PLX_API intptr_t getQxSecureCVersion(char* buf, int bufSize, unsigned short* verNumber);
+PLX_API intptr_t getQxSecureCVersion(char* buf, int bufSize, unsigned short* verNumber)
+    PLX_CHECK_WRITES(1, 2, buf, bufSize);
 
 /* ---- Memory --------------------------------------------------------------------------------- */
 
@@ -67,7 +70,8 @@ PLX_API intptr_t getQxSecureCVersion(char* buf, int bufSize, unsigned short* ver
  *                   is null (0 bytes into a capacity of 0 are set with EOK)
  *   EINVAL          `dest` is null
  *   ERANGE_CLEARED  `count` > `destMax`; all `destMax` bytes are set to `c`, not to zero */
-PLX_API errno_t memset_s(void* dest, size_t destMax, int c, size_t count);
+PLX_API errno_t memset_s(void* dest, size_t destMax, int c, size_t count)
+    PLX_CHECK_WRITES(1, 2, dest, destMax);
 
 /* memcpy_s copies `count` bytes from `src` to `dest`, which holds `destMax` bytes. The two blocks
  * must not overlap, but may be the same block, which copies nothing.
@@ -77,27 +81,35 @@ PLX_API errno_t memset_s(void* dest, size_t destMax, int c, size_t count);
  *   ERANGE_CLEARED    `count` > `destMax`
  *   EOVERLAP_CLEARED  the blocks of `count` bytes overlap
  * The last three zero all `destMax` bytes. A `count` of 0 that passes the tests copies nothing. */
-PLX_API errno_t memcpy_s(void* dest, size_t destMax, const void* src, size_t count);
+PLX_API errno_t memcpy_s(void* dest, size_t destMax, const void* src, size_t count)
+    PLX_CHECK_WRITES(1, 2, dest, destMax) PLX_CHECK_READS(3, 4, src, count);
 
 /* memmove_s is memcpy_s for blocks that may overlap; it never returns EOVERLAP_CLEARED. */
-PLX_API errno_t memmove_s(void* dest, size_t destMax, const void* src, size_t count);
+PLX_API errno_t memmove_s(void* dest, size_t destMax, const void* src, size_t count)
+    PLX_CHECK_WRITES(1, 2, dest, destMax) PLX_CHECK_READS(3, 4, src, count);
 
 /* The OptAsm variants give the same results as the functions above and use no call into the C
  * library for up to 32 bytes (fill) or 64 bytes (copy). The OptTc variants are the same but accept
  * a `destMax` above the limit when nothing else is wrong with the call: they then write under a
  * size that nobody has tested. */
-PLX_API errno_t memset_sOptAsm(void* dest, size_t destMax, int c, size_t count);
-PLX_API errno_t memset_sOptTc(void* dest, size_t destMax, int c, size_t count);
-PLX_API errno_t memcpy_sOptAsm(void* dest, size_t destMax, const void* src, size_t count);
-PLX_API errno_t memcpy_sOptTc(void* dest, size_t destMax, const void* src, size_t count);
+PLX_API errno_t memset_sOptAsm(void* dest, size_t destMax, int c, size_t count)
+    PLX_CHECK_WRITES(1, 2, dest, destMax);
+PLX_API errno_t memset_sOptTc(void* dest, size_t destMax, int c, size_t count)
+    PLX_CHECK_WRITES(1, 2, dest, destMax);
+PLX_API errno_t memcpy_sOptAsm(void* dest, size_t destMax, const void* src, size_t count)
+    PLX_CHECK_WRITES(1, 2, dest, destMax) PLX_CHECK_READS(3, 4, src, count);
+PLX_API errno_t memcpy_sOptTc(void* dest, size_t destMax, const void* src, size_t count)
+    PLX_CHECK_WRITES(1, 2, dest, destMax) PLX_CHECK_READS(3, 4, src, count);
 
 /* wmemcpy_s and wmemmove_s are memcpy_s and memmove_s with `destMax` and `count` in wide
  * characters. Their own tests come first:
  *   ERANGE          `destMax` is 0 or above SECURE_WCHAR_LIMIT, or `count` > `destMax` while `dest`
  *                   is null (ERANGE, where the byte functions say EINVAL)
  *   ERANGE_CLEARED  `count` > `destMax`; the whole destination is zeroed */
-PLX_API errno_t wmemcpy_s(wchar_t* dest, size_t destMax, const wchar_t* src, size_t count);
-PLX_API errno_t wmemmove_s(wchar_t* dest, size_t destMax, const wchar_t* src, size_t count);
+PLX_API errno_t wmemcpy_s(wchar_t* dest, size_t destMax, const wchar_t* src, size_t count)
+    PLX_CHECK_WRITES_WIDE(1, 2, dest, destMax) PLX_CHECK_READS_WIDE(3, 4, src, count);
+PLX_API errno_t wmemmove_s(wchar_t* dest, size_t destMax, const wchar_t* src, size_t count)
+    PLX_CHECK_WRITES_WIDE(1, 2, dest, destMax) PLX_CHECK_READS_WIDE(3, 4, src, count);
 
 /* util_memmove moves `count` bytes between blocks that may overlap. It tests nothing. */
 PLX_API void util_memmove(void* dest, const void* src, size_t count);
@@ -112,14 +124,16 @@ PLX_API void util_memmove(void* dest, const void* src, size_t count);
  *   ERANGE_CLEARED    the text and its terminator do not fit
  *   EOVERLAP_CLEARED  the text and its copy overlap; `dest` == `src` is no overlap but EOK
  * Nothing is ever cut: a refused call changes the first character of `dest` and no other. */
-PLX_API errno_t strcpy_s(char* dest, size_t destMax, const char* src);
+PLX_API errno_t strcpy_s(char* dest, size_t destMax, const char* src)
+    PLX_CHECK_WRITES(1, 2, dest, destMax) PLX_CHECK_FITS(src, destMax);
 
 /* strncpy_s copies at most `count` characters of `src` and ends them with a terminator. Tests,
  * codes and effects as for strcpy_s, with, after the null test of `src`:
  *   ERANGE_CLEARED  `count` is above the limit
  *   EOK             `count` is 0; `dest` is then the empty text
  * `dest` == `src` cuts the text in place. */
-PLX_API errno_t strncpy_s(char* dest, size_t destMax, const char* src, size_t count);
+PLX_API errno_t strncpy_s(char* dest, size_t destMax, const char* src, size_t count)
+    PLX_CHECK_WRITES(1, 2, dest, destMax);
 
 /* strcat_s appends the text `src` to the text in `dest`, which holds `destMax` bytes in all.
  *   ERANGE            `destMax` is 0 or above the limit
@@ -129,24 +143,30 @@ PLX_API errno_t strncpy_s(char* dest, size_t destMax, const char* src, size_t co
  *   ERANGE_CLEARED    the result and its terminator do not fit
  * Characters are stored as they are read: a refused append leaves as many of them behind the
  * cleared first character as there was room. */
-PLX_API errno_t strcat_s(char* dest, size_t destMax, const char* src);
+PLX_API errno_t strcat_s(char* dest, size_t destMax, const char* src)
+    PLX_CHECK_UPDATES(1, 2, dest, destMax) PLX_CHECK_FITS(src, destMax);
 
 /* strncat_s appends at most `count` characters of `src`. Tests, codes and effects as for strcat_s,
  * with, after the null test of `src`:
  *   ERANGE_CLEARED  `count` is above the limit
  * A `count` of 0 leaves a terminated `dest` as it is. */
-PLX_API errno_t strncat_s(char* dest, size_t destMax, const char* src, size_t count);
+PLX_API errno_t strncat_s(char* dest, size_t destMax, const char* src, size_t count)
+    PLX_CHECK_UPDATES(1, 2, dest, destMax);
 
 /* The wide functions count wide characters. wcscat_s and wcsncat_s follow strcat_s and strncat_s;
  * wcsncpy_s follows strncpy_s, but stores as it goes, like an append, and treats `dest` == `src`
  * as an overlap. */
-PLX_API errno_t wcsncpy_s(wchar_t* dest, size_t destMax, const wchar_t* src, size_t count);
-PLX_API errno_t wcscat_s(wchar_t* dest, size_t destMax, const wchar_t* src);
-PLX_API errno_t wcsncat_s(wchar_t* dest, size_t destMax, const wchar_t* src, size_t count);
+PLX_API errno_t wcsncpy_s(wchar_t* dest, size_t destMax, const wchar_t* src, size_t count)
+    PLX_CHECK_WRITES_WIDE(1, 2, dest, destMax);
+PLX_API errno_t wcscat_s(wchar_t* dest, size_t destMax, const wchar_t* src)
+    PLX_CHECK_UPDATES_WIDE(1, 2, dest, destMax) PLX_CHECK_FITS_WIDE(src, destMax);
+PLX_API errno_t wcsncat_s(wchar_t* dest, size_t destMax, const wchar_t* src, size_t count)
+    PLX_CHECK_UPDATES_WIDE(1, 2, dest, destMax);
 
 /* wcscpy_s follows strcpy_s, but stores as it goes, and answers a source that does not fit with
  * ERANGE (not ERANGE_CLEARED), although `dest` is emptied. `dest` == `src` is EOK untested. */
-PLX_API errno_t wcscpy_s(wchar_t* dest, size_t destMax, const wchar_t* src);
+PLX_API errno_t wcscpy_s(wchar_t* dest, size_t destMax, const wchar_t* src)
+    PLX_CHECK_WRITES_WIDE(1, 2, dest, destMax) PLX_CHECK_FITS_WIDE(src, destMax);
 
 /* strtok_s returns the next token of `str`, or of `*context` when `str` is null: the longest run of
  * characters that do not occur in `delim`. The delimiter behind it becomes a terminator and
@@ -160,7 +180,7 @@ PLX_API wchar_t* wcstok_s(wchar_t* str, const wchar_t* delim, wchar_t** context)
  * carriage returns and line feeds at its end. Returns `buffer`, or null when `buffer` is null,
  * `size` is below 1 or nothing could be read. A longer line is cut at `size` - 1 characters and its
  * rest stays unread. */
-PLX_API char* gets_s(char* buffer, int size);
+PLX_API char* gets_s(char* buffer, int size) PLX_CHECK_RESULT PLX_CHECK_WRITES(1, 2, buffer, size);
 
 /* ---- Formatted output ----------------------------------------------------------------------- */
 
@@ -199,17 +219,16 @@ PLX_API char* gets_s(char* buffer, int size);
  * prints nothing, and so does one whose precision passes 2147483298 (2147478675).
  *
  * A destination must not overlap the format or an argument. */
-#define PLX_PRINTF_FORMAT(format_index, first_argument) \
-  __attribute__((format(printf, format_index, first_argument)))
 
 /* sprintf_s formats into `dest`, which holds `destMax` bytes, all or nothing. Returns -1 when
  *   `dest` or `format` is null, or `destMax` is 0 or above the limit
  *   the format is refused, or a text does not convert
  *   the text and its terminator do not fit
  * and then leaves the empty text in `dest`, if it is not null and `destMax` not 0. */
-PLX_API int sprintf_s(char* dest, size_t destMax, const char* format, ...) PLX_PRINTF_FORMAT(3, 4);
+PLX_API int sprintf_s(char* dest, size_t destMax, const char* format, ...) PLX_CHECK_FORMAT(3, 4)
+    PLX_CHECK_WRITES(1, 2, dest, destMax);
 PLX_API int vsprintf_s(char* dest, size_t destMax, const char* format, va_list args)
-    PLX_PRINTF_FORMAT(3, 0);
+    PLX_CHECK_FORMAT(3, 0) PLX_CHECK_WRITES(1, 2, dest, destMax);
 
 /* snprintf_s is sprintf_s for at most `count` characters. When more are to be written and `count`
  * is below `destMax`, it returns -1 and keeps the cut text: the first `count` characters and a
@@ -217,15 +236,17 @@ PLX_API int vsprintf_s(char* dest, size_t destMax, const char* format, va_list a
  * limit; other values above 0x7FFFFFFE are refused like a null `dest`.
  * With `count` at or above `destMax` the last byte of `dest` is set to 0 too. */
 PLX_API int snprintf_s(char* dest, size_t destMax, size_t count, const char* format, ...)
-    PLX_PRINTF_FORMAT(4, 5);
+    PLX_CHECK_FORMAT(4, 5) PLX_CHECK_WRITES(1, 2, dest, destMax);
 PLX_API int vsnprintf_s(char* dest, size_t destMax, size_t count, const char* format, va_list args)
-    PLX_PRINTF_FORMAT(4, 0);
+    PLX_CHECK_FORMAT(4, 0) PLX_CHECK_WRITES(1, 2, dest, destMax);
 
 /* swprintf_s is sprintf_s for wide text: `destMax` and the result count wide characters, and so do
  * widths and precisions. Here too 's' and 'c' take narrow arguments unless marked by l or w. The
  * wide character 0xFFFFFFFF cannot be written and fails the call. */
-PLX_API int swprintf_s(wchar_t* dest, size_t destMax, const wchar_t* format, ...);
-PLX_API int vswprintf_s(wchar_t* dest, size_t destMax, const wchar_t* format, va_list args);
+PLX_API int swprintf_s(wchar_t* dest, size_t destMax, const wchar_t* format, ...)
+    PLX_CHECK_WRITES_WIDE(1, 2, dest, destMax);
+PLX_API int vswprintf_s(wchar_t* dest, size_t destMax, const wchar_t* format, va_list args)
+    PLX_CHECK_WRITES_WIDE(1, 2, dest, destMax);
 
 /* The engines behind them, for callers with a room of their own. */
 typedef struct SecurecOutputStream {
@@ -233,6 +254,7 @@ typedef struct SecurecOutputStream {
   char* position; /* where the next one goes */
 } SecurecOutputStream;
 
+/* The same for wide text. */
 typedef struct SecurecWideOutputStream {
   int32_t room;      /* bytes that may still be written, 4 a character; below 0 once text was cut */
   wchar_t* position; /* where the next character goes */
@@ -243,7 +265,7 @@ typedef struct SecurecWideOutputStream {
  * or `format` is null, when the format is refused, or when the room ran out: what fits has then
  * been written. securec_woutput_s does the same for wide text. */
 PLX_API int securec_output_s(SecurecOutputStream* stream, const char* format, va_list args)
-    PLX_PRINTF_FORMAT(2, 0);
+    PLX_CHECK_FORMAT(2, 0);
 PLX_API int securec_woutput_s(SecurecWideOutputStream* stream, const wchar_t* format, va_list args);
 
 /* ---- Formatted input ------------------------------------------------------------------------ */

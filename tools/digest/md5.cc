@@ -61,13 +61,15 @@ std::string md5_of(const std::string& source) {
   char text[kTextSize] = {};
   size_t size = input.read(piece.data(), piece.size());
   if (size < piece.size()) {
-    PLX_md5_encoder_buf(piece.data(), static_cast<unsigned>(size), text, kTextSize);
+    if (PLX_md5_encoder_buf(piece.data(), static_cast<unsigned>(size), text, kTextSize) != 0) {
+      return {};
+    }
     return text;
   }
   Pipe pipe;
   const std::string path = pipe.path();
   std::thread reader([&] {
-    PLX_md5_encoder_file(path.c_str(), text, kTextSize);
+    if (PLX_md5_encoder_file(path.c_str(), text, kTextSize) != 0) text[0] = '\0';
     pipe.close_end(0);  // a writer that still waits is told so
   });
   Exit exit = Exit::kDone;
