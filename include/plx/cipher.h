@@ -39,9 +39,9 @@ typedef struct tagAes {
  * Return 1; 0 when OpenSSL refuses; -1, with `ctx` untouched, when a pointer is null or `iKeyBits`
  * is none of the three. */
 PLX_API int PLX_AesEncryInit_ex(const tagAes* aes, struct evp_cipher_ctx_st* ctx)
-    PLX_TYPED("_Z19PLX_AesEncryInit_exPK6tagAesP17evp_cipher_ctx_st");
+    PLX_TYPED("_Z19PLX_AesEncryInit_exPK6tagAesP17evp_cipher_ctx_st") PLX_CHECK_RESULT;
 PLX_API int PLX_AesDecryInit_ex(const tagAes* aes, struct evp_cipher_ctx_st* ctx)
-    PLX_TYPED("_Z19PLX_AesDecryInit_exPK6tagAesP17evp_cipher_ctx_st");
+    PLX_TYPED("_Z19PLX_AesDecryInit_exPK6tagAesP17evp_cipher_ctx_st") PLX_CHECK_RESULT;
 
 /* PLX_AesEncryByMode encrypts the text `aes->pszText`, without its terminator, into `out`, which
  * holds `outSize` bytes. Returns the number of bytes written, binary and not terminated; with
@@ -56,7 +56,8 @@ PLX_API int PLX_AesDecryInit_ex(const tagAes* aes, struct evp_cipher_ctx_st* ctx
  * Treat any result below 1 as a failure. `out` is written by steps of the cipher alone, which may
  * leave a part of the output behind when a later one fails. */
 PLX_API int PLX_AesEncryByMode(const tagAes* aes, char* out, int outSize)
-    PLX_TYPED("_Z18PLX_AesEncryByModePK6tagAesPci");
+    PLX_TYPED("_Z18PLX_AesEncryByModePK6tagAesPci") PLX_CHECK_RESULT
+    PLX_CHECK_BEHIND_LABEL(PLX_CHECK_WRITES(2, 3, out, outSize));
 
 /* PLX_AesDecryByMode decrypts the `inLen` bytes at `in` into `out`, which holds `outSize` bytes.
  * Returns the number of bytes written, not terminated, which is 0 for an empty plain text. Fails as
@@ -68,7 +69,8 @@ PLX_API int PLX_AesEncryByMode(const tagAes* aes, char* out, int outSize)
  *  - a negative `inLen`, or bytes behind a null `in`, fail with -1, as does a padding that is not
  *    right: with a wrong key this is likely, but not certain. */
 PLX_API int PLX_AesDecryByMode(const tagAes* aes, char* in, int inLen, char* out, int outSize)
-    PLX_TYPED("_Z18PLX_AesDecryByModePK6tagAesPciS2_i");
+    PLX_TYPED("_Z18PLX_AesDecryByModePK6tagAesPciS2_i") PLX_CHECK_RESULT
+    PLX_CHECK_BEHIND_LABEL(PLX_CHECK_READS(2, 3, in, inLen) PLX_CHECK_WRITES(4, 5, out, outSize));
 
 /* ---- AES by JSON request -------------------------------------------------------------------- */
 
@@ -105,7 +107,8 @@ PLX_API int PLX_AesDecryByMode(const tagAes* aes, char* in, int inLen, char* out
  * 2048 characters. Zero `out` before the call: a result of 1 with nothing written is a failure.
  * That is so when padding is off and the length is no multiple of 16, and with 192 bits when the
  * length modulo 48 is one of 16 to 23. */
-PLX_API int PLX_AesEncry(const char* request, char* out) PLX_TYPED("_Z12PLX_AesEncryPKcPc");
+PLX_API int PLX_AesEncry(const char* request, char* out)
+    PLX_TYPED("_Z12PLX_AesEncryPKcPc") PLX_CHECK_RESULT;
 
 /* PLX_AesDecry decrypts "cipherText" into `out`, which holds `outSize` bytes, and ends the plain
  * text with a terminator. `outSize` must be at least the number of hexadecimal digits rounded down
@@ -114,7 +117,8 @@ PLX_API int PLX_AesEncry(const char* request, char* out) PLX_TYPED("_Z12PLX_AesE
  * `out` that starts inside a buffer of yours, set the byte before it to something else, and test it
  * afterwards. */
 PLX_API int PLX_AesDecry(const char* request, char* out, int outSize)
-    PLX_TYPED("_Z12PLX_AesDecryPKcPci");
+    PLX_TYPED("_Z12PLX_AesDecryPKcPci") PLX_CHECK_RESULT
+    PLX_CHECK_BEHIND_LABEL(PLX_CHECK_WRITES(2, 3, out, outSize));
 
 /* ---- Sealed texts --------------------------------------------------------------------------- */
 
@@ -146,7 +150,8 @@ PLX_BEGIN_DECLS
  *  - `outSize` is not above what would be returned: nothing, for instance, needs 49 bytes
  *  - no random bytes or no memory can be had. */
 PLX_API int PLX_aesCbcEncryptByKey(const unsigned char* in, int inLen, char* out, int outSize,
-                                   const unsigned char* key, AES_CBC_TYPE type);
+                                   const unsigned char* key, AES_CBC_TYPE type) PLX_CHECK_RESULT
+    PLX_CHECK_READS(1, 2, in, inLen) PLX_CHECK_WRITES(3, 4, out, outSize);
 
 /* PLX_aesCbcDecryptByKey opens the sealed text of `inLen` characters at `in` into `out`, which
  * holds `outSize` bytes, with a terminator. Returns the length of the plain text. When that holds
@@ -157,7 +162,8 @@ PLX_API int PLX_aesCbcEncryptByKey(const unsigned char* in, int inLen, char* out
  *  - the text decodes to fewer than 16 bytes (CCipher::UnBase64: malformed text must be writable)
  *  - `outSize` is not above the length of the plain text, or memory is short. */
 PLX_API int PLX_aesCbcDecryptByKey(const char* in, int inLen, char* out, int outSize,
-                                   const unsigned char* key, AES_CBC_TYPE type);
+                                   const unsigned char* key, AES_CBC_TYPE type) PLX_CHECK_RESULT
+    PLX_CHECK_READS(1, 2, in, inLen) PLX_CHECK_WRITES(3, 4, out, outSize);
 
 /* These four do the same with AES_CBC_128 and the first 16 characters of a stored key
  * (plx/key_store.h), filled with zeros if it is shorter. Line feeds stand as "_" in the sealed
@@ -169,11 +175,17 @@ PLX_API int PLX_aesCbcDecryptByKey(const char* in, int inLen, char* out, int out
  *
  * PLX_aesCbcEncryptByRandomKey and PLX_aesCbcDecryptByRandomKey take "epg_profile_key", the key of
  * this box, and load it at every call. Only the IV is random, as in all of these. */
-PLX_API int PLX_aesCbcEncrypt(const unsigned char* in, int inLen, char* out, int outSize);
-PLX_API int PLX_aesCbcDecrypt(const char* in, int inLen, char* out, int outSize);
+PLX_API int PLX_aesCbcEncrypt(const unsigned char* in, int inLen, char* out,
+                              int outSize) PLX_CHECK_RESULT PLX_CHECK_READS(1, 2, in, inLen)
+    PLX_CHECK_WRITES(3, 4, out, outSize);
+PLX_API int PLX_aesCbcDecrypt(const char* in, int inLen, char* out, int outSize) PLX_CHECK_RESULT
+    PLX_CHECK_READS(1, 2, in, inLen) PLX_CHECK_WRITES(3, 4, out, outSize);
 PLX_API int PLX_aesCbcEncryptByRandomKey(const unsigned char* in, int inLen, char* out,
-                                         int outSize);
-PLX_API int PLX_aesCbcDecryptByRandomKey(const char* in, int inLen, char* out, int outSize);
+                                         int outSize) PLX_CHECK_RESULT
+    PLX_CHECK_READS(1, 2, in, inLen) PLX_CHECK_WRITES(3, 4, out, outSize);
+PLX_API int PLX_aesCbcDecryptByRandomKey(const char* in, int inLen, char* out,
+                                         int outSize) PLX_CHECK_RESULT
+    PLX_CHECK_READS(1, 2, in, inLen) PLX_CHECK_WRITES(3, 4, out, outSize);
 
 PLX_END_DECLS
 
@@ -194,7 +206,7 @@ class PLX_API CCipher {
  public:
   /* getInstance returns the one instance, made by the first call and never destroyed, or null when
    * memory is short. First calls on several threads at once all get the same one. */
-  static CCipher* getInstance();
+  static CCipher* getInstance() PLX_CHECK_RESULT;
 
   /* An instance of the caller's own has the same vector. */
   CCipher();
@@ -204,13 +216,13 @@ class PLX_API CCipher {
    * `passLen` bytes at `pass` and the `saltLen` bytes at `salt`. Returns 0, with `out` untouched,
    * when a pointer is null or a number is below 1, and else 1, even if the derivation fails. */
   static int deriveKey(const char* pass, int passLen, const unsigned char* salt, int saltLen,
-                       int iterations, int keyLen, unsigned char* out);
+                       int iterations, int keyLen, unsigned char* out) PLX_CHECK_RESULT;
 
   /* Base64 returns the `len` bytes at `data` as Base64 text (RFC 4648, section 4), in lines of 64
    * characters: a line feed ends every line, the last one too, and a terminator the text. Release
    * it with deleteArrayPoint_s (plx/key_store.h). Returns null when `data` is null, `len` is below
    * 1, the text would pass 0x7FFFFFFF bytes, or memory is short. */
-  static const char* Base64(const unsigned char* data, int len);
+  static const char* Base64(const unsigned char* data, int len) PLX_CHECK_RESULT;
 
   /* UnBase64 decodes the `len` characters at `text`, white space between them being skipped, and
    * stores the number of bytes in `*outLen`. Release the result with deleteArrayPoint_s. Returns
@@ -220,14 +232,14 @@ class PLX_API CCipher {
    * before the fault; the characters behind them may be decoded into `text` itself, within its
    * `len` characters, and counted in `*outLen` as bytes that are zero in the result. Pass text of
    * unknown origin in memory that can be written, and check what you get. */
-  static unsigned char* UnBase64(const char* text, int len, int* outLen);
+  static unsigned char* UnBase64(const char* text, int len, int* outLen) PLX_CHECK_RESULT;
 
   /* DeriveInitKey derives 16 bytes into `out` from a factor in Base64 and the instance's vector, as
    * deriveKey does with 100000 iterations (the keys of plx/key_store.h take 10000). The factor
    * counts as 16 bytes: longer ones are cut, shorter ones filled with zeros. Malformed text must be
    * writable, as for UnBase64. Returns 0 when a pointer is null, the text is empty, or memory is
    * short. */
-  int DeriveInitKey(const char* factorBase64, unsigned char* out);
+  int DeriveInitKey(const char* factorBase64, unsigned char* out) PLX_CHECK_RESULT;
 
   /* getCCipherInitVector copies the vector to `dst`, which holds `dstSize` bytes; it does nothing
    * when `dst` is null or `dstSize` is below 16. */
@@ -242,7 +254,7 @@ class PLX_API CCipher {
    * Returns 0, with nothing written, when a pointer is null, `outLen` is below 1, or no random
    * bytes or no memory can be had. A negative `inLen` seals nothing: IV and padding. */
   static int EncryptData(const unsigned char* in, int inLen, unsigned char* out, int& outLen,
-                         unsigned char* key, AES_CBC_TYPE type);
+                         unsigned char* key, AES_CBC_TYPE type) PLX_CHECK_RESULT;
 
   /* DecryptData opens a sealed blob of `inLen` bytes: it writes the plain text to `out` and its
    * length to `outLen`. `outLen` must be above 0 on entry, but the output, of fewer than `inLen`
@@ -251,11 +263,11 @@ class PLX_API CCipher {
    * blocks before the last. A blob of fewer than 16 bytes, or a `type` that is none, gives 1 with
    * `outLen` 0. Returns 0 when a pointer is null, `outLen` is below 1, or memory is short. */
   static int DecryptData(const unsigned char* in, int inLen, unsigned char* out, int& outLen,
-                         unsigned char* key, AES_CBC_TYPE type);
+                         unsigned char* key, AES_CBC_TYPE type) PLX_CHECK_RESULT;
 
   /* GenerateRand fills the `len` bytes at `buf` with random bytes fit for keys. Returns 0 when
    * `buf` is null, `len` is below 1, or the source fails. */
-  static int GenerateRand(unsigned char* buf, int len);
+  static int GenerateRand(unsigned char* buf, int len) PLX_CHECK_RESULT;
 
  private:
   unsigned char m_initVector[16];

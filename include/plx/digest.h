@@ -29,7 +29,8 @@ PLX_BEGIN_DECLS
  * when `in` is null, `inLen` is 0, `out` is null, `outSize` is 0, `inLen` is above 0xBD81A98A, or
  * `outSize` is not larger than the length. */
 PLX_API unsigned int PLX_b64_encode(const unsigned char* in, unsigned int inLen, char* out,
-                                    unsigned int outSize);
+                                    unsigned int outSize) PLX_CHECK_RESULT
+    PLX_CHECK_READS(1, 2, in, inLen) PLX_CHECK_WRITES(3, 4, out, outSize);
 
 /* PLX_b64_decode decodes the `inLen` characters at `in` to `out` and puts a NUL behind the decoded
  * bytes. There is no output size: `out` must hold `inLen` bytes, any of which may be overwritten,
@@ -39,14 +40,17 @@ PLX_API unsigned int PLX_b64_encode(const unsigned char* in, unsigned int inLen,
  * alphabet nor "=". White space is such a character.
  * An "=" inside the text counts as the value 0 ("Zm=v" gives three bytes), and unused low bits of
  * the last character are ignored; callers depend on both. */
-PLX_API unsigned int PLX_b64_decode(const char* in, unsigned int inLen, unsigned char* out);
+PLX_API unsigned int PLX_b64_decode(const char* in, unsigned int inLen,
+                                    unsigned char* out) PLX_CHECK_RESULT
+    PLX_CHECK_READS(1, 2, in, inLen);
 
 /* PLX_base64UrlEncoder writes the Base64url text of the `inLen` bytes at `in`, without padding and
  * line breaks, and a NUL to `out`, which holds `outSize` bytes. Mind the order: output first.
  * Returns 0; or -1, with nothing written, when `in` is null, `inLen` is 0, `out` is null, `outSize`
  * is 0, or the text with its NUL does not fit. The length is what strlen says. */
 PLX_API int PLX_base64UrlEncoder(char* out, unsigned int outSize, const unsigned char* in,
-                                 unsigned int inLen);
+                                 unsigned int inLen) PLX_CHECK_RESULT
+    PLX_CHECK_WRITES(1, 2, out, outSize) PLX_CHECK_READS(3, 4, in, inLen);
 
 /* PLX_base64UrlDecode decodes the text at `in`, which ends at `inLen` characters or at the first
  * NUL, to `out`, which holds `outSize` bytes. Mind the order: output first. No NUL is added and
@@ -56,10 +60,12 @@ PLX_API int PLX_base64UrlEncoder(char* out, unsigned int outSize, const unsigned
  * "/" are outside), has a length of the form 4k+1, or decodes to more than `outSize` bytes. A
  * refused call may have written. */
 PLX_API unsigned int PLX_base64UrlDecode(unsigned char* out, unsigned int outSize, const char* in,
-                                         int inLen);
+                                         int inLen) PLX_CHECK_RESULT
+    PLX_CHECK_WRITES(1, 2, out, outSize);
 
 /* ---- SHA-256 (FIPS 180-4), first family ----------------------------------------------------- */
 
+/* One message of the first family. It may be copied in mid-message, and both copies finished. */
 typedef struct Sha256Context {
   uint32_t state[8];  /* H0 to H7 */
   uint64_t count;     /* bytes of the message so far */
@@ -70,7 +76,8 @@ typedef struct Sha256Context {
 PLX_API void Sha256_Init(Sha256Context* ctx);
 
 /* Sha256_Update appends `len` bytes to the message. */
-PLX_API void Sha256_Update(Sha256Context* ctx, const unsigned char* data, unsigned int len);
+PLX_API void Sha256_Update(Sha256Context* ctx, const unsigned char* data, unsigned int len)
+    PLX_CHECK_READS(2, 3, data, len);
 
 /* Sha256_Final writes the digest of the message and starts the next one: no further Sha256_Init is
  * needed. `buffer` keeps the last block; clear the context yourself if that is a secret. */
@@ -81,7 +88,8 @@ PLX_API void Sha256_Final(Sha256Context* ctx, unsigned char digest[32]);
  * is returned; that form is not safe in two threads at once.
  * libcrypto exports a function of the same name, shape and result. A program that links both gets
  * the one of the library that it names first; nothing else in this library depends on which. */
-PLX_API unsigned char* SHA256(const unsigned char* data, size_t len, unsigned char* md);
+PLX_API unsigned char* SHA256(const unsigned char* data, size_t len, unsigned char* md)
+    PLX_CHECK_READS(1, 2, data, len);
 
 /* PLX_sha256_encoder_buf writes the digest of the `len` bytes at `data` as text to `out`, which
  * holds `outSize` bytes; the 64 digits and their NUL need 65. With less room only whole pairs of
@@ -89,7 +97,9 @@ PLX_API unsigned char* SHA256(const unsigned char* data, size_t len, unsigned ch
  * characters but not for its NUL is written as two NULs (so with 64), and an `outSize` of 1 writes
  * nothing. Callers depend on that being no refusal.
  * Returns 0; or -1 when `data` is null, `len` is below 1, `out` is null or `outSize` is below 1. */
-PLX_API int PLX_sha256_encoder_buf(const unsigned char* data, int len, char* out, int outSize);
+PLX_API int PLX_sha256_encoder_buf(const unsigned char* data, int len, char* out,
+                                   int outSize) PLX_CHECK_RESULT PLX_CHECK_READS(1, 2, data, len)
+    PLX_CHECK_WRITES(3, 4, out, outSize);
 
 /* PLX_sha256_encoder_file writes the digest of the file at `path` as text to `out`, as
  * PLX_sha256_encoder_buf does; an `outSize` below 2 writes nothing and is no refusal.
@@ -97,10 +107,12 @@ PLX_API int PLX_sha256_encoder_buf(const unsigned char* data, int len, char* out
  * to standard error: "***NAME can't be opened" with the part of `path` behind the last "/", or,
  * when there is none, "PATH can't be opened" with all of it.
  * A read error ends the file silently; a folder hashes as an empty file. */
-PLX_API int PLX_sha256_encoder_file(const char* path, char* out, int outSize);
+PLX_API int PLX_sha256_encoder_file(const char* path, char* out, int outSize) PLX_CHECK_RESULT
+    PLX_CHECK_WRITES(2, 3, out, outSize);
 
 /* ---- SHA-256, second family ----------------------------------------------------------------- */
 
+/* One message of the second family. It may be copied in mid-message, and both copies finished. */
 typedef struct Sha256Ctx {
   uint8_t hash[32];    /* the digest, once sha256_finalize has run */
   uint32_t block[16];  /* the block being filled, as big-endian words; zero where not yet filled */
@@ -112,40 +124,48 @@ typedef struct Sha256Ctx {
 PLX_API void sha256_initialize(Sha256Ctx* ctx);
 
 /* sha256_update appends `len` bytes to the message. */
-PLX_API void sha256_update(Sha256Ctx* ctx, const unsigned char* data, unsigned int len);
+PLX_API void sha256_update(Sha256Ctx* ctx, const unsigned char* data, unsigned int len)
+    PLX_CHECK_READS(2, 3, data, len);
 
 /* sha256_finalize appends `len` bytes, the last piece of the message, and leaves the digest in
  * `hash`. The padding counts as part of the message afterwards; initialize the context before the
  * next one. */
-PLX_API void sha256_finalize(Sha256Ctx* ctx, const unsigned char* data, unsigned int len);
+PLX_API void sha256_finalize(Sha256Ctx* ctx, const unsigned char* data, unsigned int len)
+    PLX_CHECK_READS(2, 3, data, len);
 
 /* sha256_get writes the digest of the `len` bytes at `data` to `out`. */
-PLX_API void sha256_get(unsigned char out[32], const unsigned char* data, unsigned int len);
+PLX_API void sha256_get(unsigned char out[32], const unsigned char* data, unsigned int len)
+    PLX_CHECK_READS(2, 3, data, len);
 
 /* ---- HMAC-SHA-256 (RFC 2104) ---------------------------------------------------------------- */
 
+/* One message under a key. It may be copied in mid-message, and both copies finished. */
 typedef struct HmacSha256Ctx {
   uint8_t digest[32];   /* the result, once hmac_sha256_finalize has run */
   uint8_t keyBlock[64]; /* the key, masked for the inner hash, after finalizing for the outer */
-  Sha256Ctx sha;
+  Sha256Ctx sha;        /* the inner hash, then the outer */
 } HmacSha256Ctx;
 
 /* hmac_sha256_initialize starts a message under `key` of `keyLen` bytes. A key of more than 64
  * bytes is replaced by its digest; with a `keyLen` below 1 the key is empty and `key` is not read.
  * The context holds the key in a form that gives it away: clear it when you are done. */
-PLX_API void hmac_sha256_initialize(HmacSha256Ctx* ctx, const unsigned char* key, int keyLen);
+PLX_API void hmac_sha256_initialize(HmacSha256Ctx* ctx, const unsigned char* key, int keyLen)
+    PLX_CHECK_READS(2, 3, key, keyLen);
 
 /* hmac_sha256_update appends `len` bytes to the message. */
-PLX_API void hmac_sha256_update(HmacSha256Ctx* ctx, const unsigned char* data, unsigned int len);
+PLX_API void hmac_sha256_update(HmacSha256Ctx* ctx, const unsigned char* data, unsigned int len)
+    PLX_CHECK_READS(2, 3, data, len);
 
 /* hmac_sha256_finalize appends `len` bytes, the last piece of the message, and leaves the result in
  * `digest`. Initialize the context before the next message. */
-PLX_API void hmac_sha256_finalize(HmacSha256Ctx* ctx, const unsigned char* data, unsigned int len);
+PLX_API void hmac_sha256_finalize(HmacSha256Ctx* ctx, const unsigned char* data, unsigned int len)
+    PLX_CHECK_READS(2, 3, data, len);
 
 /* hmac_sha256_get writes the HMAC of the `dataLen` bytes at `data` under `key` to `out` and returns
  * 32. Nothing of the key stays behind. */
 PLX_API int hmac_sha256_get(unsigned char out[32], const unsigned char* data, unsigned int dataLen,
-                            const unsigned char* key, int keyLen);
+                            const unsigned char* key, int keyLen)
+    PLX_CHECK_READS(2, 3, data, dataLen) PLX_CHECK_READS(4, 5, key, keyLen);
 
 /* ---- MD5 (RFC 1321) ------------------------------------------------------------------------- */
 
@@ -163,11 +183,14 @@ PLX_API char* PLX_md5_163encode(const char* text);
  * null) as text to `out`, which holds `outSize` bytes; the 32 digits and their NUL need 33. Less
  * room is treated as by PLX_sha256_encoder_buf; an `outSize` below 2 writes nothing and is no
  * refusal. Returns 0; or -1 when a pointer is null. */
-PLX_API int PLX_md5_encoder_buf(const void* data, unsigned int len, char* out, int outSize);
+PLX_API int PLX_md5_encoder_buf(const void* data, unsigned int len, char* out,
+                                int outSize) PLX_CHECK_RESULT PLX_CHECK_READS(1, 2, data, len)
+    PLX_CHECK_WRITES(3, 4, out, outSize);
 
 /* PLX_md5_encoder_file writes the digest of the file at `path` as text to `out`, as
  * PLX_md5_encoder_buf does. Results, messages and read errors as for PLX_sha256_encoder_file. */
-PLX_API int PLX_md5_encoder_file(const char* path, char* out, int outSize);
+PLX_API int PLX_md5_encoder_file(const char* path, char* out, int outSize) PLX_CHECK_RESULT
+    PLX_CHECK_WRITES(2, 3, out, outSize);
 
 /* ---- STUN message integrity (RFC 5389) ------------------------------------------------------ */
 
@@ -176,13 +199,14 @@ PLX_API int PLX_md5_encoder_file(const char* path, char* out, int outSize);
  * a length above 0 has a null pointer, or libcrypto fails. libcrypto's error queue is left as it
  * was. */
 PLX_API unsigned char* stunHMAC(unsigned char* out, const unsigned char* data, size_t dataLen,
-                                const void* key, int keyLen);
+                                const void* key, int keyLen) PLX_CHECK_RESULT
+    PLX_CHECK_READS(2, 3, data, dataLen) PLX_CHECK_READS(4, 5, key, keyLen);
 
 /* ---- DES and triple DES (FIPS 46-3) --------------------------------------------------------- */
 
 /* Round keys, two words a round, in the order in which a pass uses them. */
 typedef struct DesContext {
-  uint32_t encSubkeys[32];
+  uint32_t encSubkeys[32]; /* for encryption */
   uint32_t decSubkeys[32]; /* the same rounds, last first */
 } DesContext;
 
@@ -208,13 +232,13 @@ PLX_API unsigned int PLX_3des_set3keys(Des3Context* ctx, const unsigned char key
  * Nothing is written, and nobody is told, when a pointer is null (`in` may be for a `len` of 0),
  * `len` is negative, or memory for a copy of the input is short. */
 PLX_API void PLX_3des_encrypt(const Des3Context* ctx, const unsigned char* in, unsigned char* out,
-                              int len);
+                              int len) PLX_CHECK_READS(2, 4, in, len);
 
 /* PLX_3des_decrypt decrypts by the same rule, the appended bytes included: 8k bytes of cipher text
  * give 8k + 8 bytes, of which the last 8 are the decryption of a zero block. Padding is neither
  * tested nor removed. */
 PLX_API void PLX_3des_decrypt(const Des3Context* ctx, const unsigned char* in, unsigned char* out,
-                              int len);
+                              int len) PLX_CHECK_READS(2, 4, in, len);
 
 PLX_END_DECLS
 

@@ -32,11 +32,12 @@ PLX_BEGIN_DECLS
 /* A vector function: see "Vectors" below. */
 typedef unsigned char* (*tagKeyVectorFunction)(unsigned char* dst, unsigned int dstSize);
 
+/* One row of the table. */
 typedef struct tagKeyMap {
-  const char* pszKeyName;
-  const char* pszFactorPath;
-  const char* pszWorkKeyPath;
-  tagKeyVectorFunction pfnGetVector;
+  const char* pszKeyName;            /* the name that callers give */
+  const char* pszFactorPath;         /* the factor file */
+  const char* pszWorkKeyPath;        /* the work-key file */
+  tagKeyVectorFunction pfnGetVector; /* gives the vector of the init key */
 } tagKeyMap;
 
 /* g_stKeyMap is the table of keys; a key's row is its index.
@@ -67,19 +68,26 @@ PLX_API extern char g_WorkKey[512];
  * above 0x7FFFFFFF. The vectors are the same on every box, save for that of "epg_profile_key",
  * which g_szStbId enters. getVectorForUpdateSTBInitKey belongs to no row of the table;
  * getInitVector gives the vector of the CCipher instance. */
-PLX_API unsigned char* getVectorForSTBEncyptInitKey(unsigned char* dst, unsigned int dstSize);
-PLX_API unsigned char* getVectorForCipherPrefixInitKey(unsigned char* dst, unsigned int dstSize);
-PLX_API unsigned char* getVectorForWhiteListInitKey(unsigned char* dst, unsigned int dstSize);
-PLX_API unsigned char* getVectorForPVRFileInitKey(unsigned char* dst, unsigned int dstSize);
-PLX_API unsigned char* getVectorForEPGProfileEncyptInitKey(unsigned char* dst,
-                                                           unsigned int dstSize);
-PLX_API unsigned char* getVectorForUpdateSTBInitKey(unsigned char* dst, unsigned int dstSize);
-PLX_API unsigned char* getInitVector(unsigned char* dst, unsigned int dstSize);
+PLX_API unsigned char* getVectorForSTBEncyptInitKey(unsigned char* dst, unsigned int dstSize)
+    PLX_CHECK_WRITES(1, 2, dst, dstSize);
+PLX_API unsigned char* getVectorForCipherPrefixInitKey(unsigned char* dst, unsigned int dstSize)
+    PLX_CHECK_WRITES(1, 2, dst, dstSize);
+PLX_API unsigned char* getVectorForWhiteListInitKey(unsigned char* dst, unsigned int dstSize)
+    PLX_CHECK_WRITES(1, 2, dst, dstSize);
+PLX_API unsigned char* getVectorForPVRFileInitKey(unsigned char* dst, unsigned int dstSize)
+    PLX_CHECK_WRITES(1, 2, dst, dstSize);
+PLX_API unsigned char* getVectorForEPGProfileEncyptInitKey(unsigned char* dst, unsigned int dstSize)
+    PLX_CHECK_WRITES(1, 2, dst, dstSize);
+PLX_API unsigned char* getVectorForUpdateSTBInitKey(unsigned char* dst, unsigned int dstSize)
+    PLX_CHECK_WRITES(1, 2, dst, dstSize);
+PLX_API unsigned char* getInitVector(unsigned char* dst, unsigned int dstSize)
+    PLX_CHECK_WRITES(1, 2, dst, dstSize);
 
 /* getVectorForInitKeyByIndex calls the vector function of row `index` of g_stKeyMap. Null also
  * when `index` is above 4. */
 PLX_API unsigned char* getVectorForInitKeyByIndex(unsigned int index, unsigned char* dst,
-                                                  unsigned int dstSize);
+                                                  unsigned int dstSize)
+    PLX_CHECK_WRITES(2, 3, dst, dstSize);
 
 /* ---- Keys ----------------------------------------------------------------------------------- */
 
@@ -87,21 +95,23 @@ PLX_API unsigned char* getVectorForInitKeyByIndex(unsigned int index, unsigned c
  * 0, or -1, with `out` untouched, when `out` is null, `outLen` is below 1, `index` is none of 0 to
  * 4, or the factor cannot be read. A factor of fewer than 16 bytes is filled with zeros; one of
  * more counts as 16 zeros. */
-PLX_API int DeriveInitKeyByIndex(int index, unsigned char* out, int outLen);
+PLX_API int DeriveInitKeyByIndex(int index, unsigned char* out, int outLen) PLX_CHECK_RESULT
+    PLX_CHECK_WRITES(2, 3, out, outLen);
 
 #ifdef __cplusplus
 /* These two take a std::string although their symbols are plain: caller and library must use one
  * C++ library. For C++ alone. */
 
 /* getIndexValueSetByName returns the index of the key called exactly `name`, or -1. */
-PLX_API int getIndexValueSetByName(const std::string& name);
+PLX_API int getIndexValueSetByName(const std::string& name) PLX_CHECK_RESULT;
 
 /* getPlainWorkKeyByName loads the work key called `name` and copies it as text to `out`, which
  * holds `outSize` bytes. Returns 0, or -1, with `out` untouched, when there is no such key, it does
  * not load, or it does not fit with its terminator. A work-key file whose padding is wrong, as
  * after a change of factor or vector, does not load. A zero byte in the work key ends the copy, but
  * the whole key must fit. */
-PLX_API int getPlainWorkKeyByName(const std::string& name, char* out, int outSize);
+PLX_API int getPlainWorkKeyByName(const std::string& name, char* out, int outSize) PLX_CHECK_RESULT
+    PLX_CHECK_WRITES(2, 3, out, outSize);
 #endif
 
 /* ---- Helpers -------------------------------------------------------------------------------- */
@@ -122,11 +132,14 @@ PLX_END_DECLS
  * Returns 0, or -1 when `dst` is null, `dstSize` is below 16, `index` is none of 0 to 4, the file
  * cannot be read or is empty, or memory is short. */
 PLX_API int getFactorByIndex(int index, unsigned char* dst, int dstSize)
-    PLX_TYPED("_Z16getFactorByIndexiPhi");
+    PLX_TYPED("_Z16getFactorByIndexiPhi") PLX_CHECK_RESULT
+    PLX_CHECK_BEHIND_LABEL(PLX_CHECK_WRITES(2, 3, dst, dstSize));
 
 /* convertEOLToUnderscode replaces every line feed in the first `len` bytes of `s` by "_", and
  * convertUnderscodeToEOL every "_" by a line feed. Null, or a `len` below 1, does nothing. */
-PLX_API void convertEOLToUnderscode(char* s, int len) PLX_TYPED("_Z22convertEOLToUnderscodePci");
-PLX_API void convertUnderscodeToEOL(char* s, int len) PLX_TYPED("_Z22convertUnderscodeToEOLPci");
+PLX_API void convertEOLToUnderscode(char* s, int len) PLX_TYPED("_Z22convertEOLToUnderscodePci")
+    PLX_CHECK_BEHIND_LABEL(PLX_CHECK_UPDATES(1, 2, s, len));
+PLX_API void convertUnderscodeToEOL(char* s, int len) PLX_TYPED("_Z22convertUnderscodeToEOLPci")
+    PLX_CHECK_BEHIND_LABEL(PLX_CHECK_UPDATES(1, 2, s, len));
 
 #endif

@@ -11,9 +11,9 @@ namespace plx::securec {
 
 // As snprintf_s and vsnprintf_s.
 int format_text(char* dst, size_t dst_size, size_t count, const char* format, ...)
-    PLX_PRINTF_FORMAT(4, 5);
+    __attribute__((format(printf, 4, 5)));
 int format_text_list(char* dst, size_t dst_size, size_t count, const char* format, va_list args)
-    PLX_PRINTF_FORMAT(4, 0);
+    __attribute__((format(printf, 4, 0)));
 
 }  // namespace plx::securec
 
