@@ -1,5 +1,4 @@
 #include <plx/digest.h>
-#include <string.h>
 
 #include "digest/base64_text.h"
 
@@ -21,7 +20,8 @@ unsigned int PLX_b64_encode(const unsigned char* in, unsigned int inLen, char* o
   if (outSize <= length) return 0;
   const size_t num_digits =
       plx::digest::encode_text(plx::digest::kStandardAlphabet, out, in, inLen);
-  memset(out + num_digits, '=', length - num_digits);
+  if (num_digits < length) out[length - 1] = '=';
+  if (num_digits + 1 < length) out[length - 2] = '=';
   out[length] = '\0';
   return length;
 }
@@ -29,10 +29,11 @@ unsigned int PLX_b64_encode(const unsigned char* in, unsigned int inLen, char* o
 unsigned int PLX_b64_decode(const char* in, unsigned int inLen, unsigned char* out) {
   if (inLen <= 3 || inLen % 4 != 0) return 0;
   if (in == nullptr || out == nullptr) return 0;
-  if (memcmp(in + inLen - 3, "===", 3) == 0) return 0;
-  // At most two go, so that the rest is never of the form 4k+1.
+  // At most two "=" go, so that the rest is never of the form 4k+1.
   unsigned int length = inLen;
-  while (in[length - 1] == '=') --length;
+  if (in[length - 1] == '=') --length;
+  if (length != inLen && in[length - 1] == '=') --length;
+  if (length == inLen - 2 && in[length - 1] == '=') return 0;
   const size_t size = plx::digest::decode_text(plx::digest::kStandardAlphabet, out, in, length);
   if (size != 0) out[size] = '\0';
   return static_cast<unsigned int>(size);

@@ -3,7 +3,26 @@
 namespace plx::digest {
 namespace {
 
-constexpr Base64Alphabet make_alphabet(char digit_62, char digit_63, bool pad_is_zero) {
+constexpr void add_shuffle_tables(Base64Alphabet& alphabet, char special_0, char special_1) {
+  constexpr int kFirstOfRun[14] = {0, 26, 52, 53, 54, 55, 56, 57, 58, 59, 60, 61, 62, 63};
+  for (int run = 0; run < 14; ++run) {
+    const int first = kFirstOfRun[run];
+    alphabet.digit_offsets[run] = static_cast<int8_t>(alphabet.digits[first] - first);
+  }
+  alphabet.specials[0] = special_0;
+  alphabet.specials[1] = special_1;
+  for (int c = 0; c < 128; ++c) {
+    if (alphabet.values[c] == kNoDigit) continue;
+    const int row = c >> 4;
+    const bool is_special = c == special_0 || c == special_1;
+    alphabet.digit_rows[c & 15] = static_cast<uint8_t>(alphabet.digit_rows[c & 15] | 1 << row);
+    alphabet.value_offsets[is_special ? 8 + row : row] =
+        static_cast<int8_t>(alphabet.values[c] - c);
+  }
+}
+
+constexpr Base64Alphabet make_alphabet(char digit_62, char digit_63, bool pad_is_zero,
+                                       char special_0, char special_1) {
   Base64Alphabet alphabet{};
   for (uint8_t& value : alphabet.values) value = kNoDigit;
   for (int i = 0; i < 26; ++i) {
@@ -17,13 +36,14 @@ constexpr Base64Alphabet make_alphabet(char digit_62, char digit_63, bool pad_is
     alphabet.values[static_cast<uint8_t>(alphabet.digits[i])] = static_cast<uint8_t>(i);
   }
   if (pad_is_zero) alphabet.values[static_cast<uint8_t>('=')] = 0;
+  add_shuffle_tables(alphabet, special_0, special_1);
   return alphabet;
 }
 
 }  // namespace
 
-constexpr Base64Alphabet kStandardAlphabet = make_alphabet('+', '/', true);
-constexpr Base64Alphabet kUrlAlphabet = make_alphabet('-', '_', false);
+constexpr Base64Alphabet kStandardAlphabet = make_alphabet('+', '/', true, '/', '=');
+constexpr Base64Alphabet kUrlAlphabet = make_alphabet('-', '_', false, '_', '_');
 
 size_t encode_groups_portable(const Base64Alphabet& alphabet, char* out, const uint8_t* in,
                               size_t num_groups) {

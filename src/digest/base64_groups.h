@@ -9,8 +9,19 @@
 namespace plx::digest {
 
 struct Base64Alphabet {
-  char digits[64];      // of each six-bit value
-  uint8_t values[256];  // of each character; kNoDigit for those outside the alphabet
+  alignas(64) char digits[64];      // of each six-bit value
+  alignas(64) uint8_t values[256];  // of each character; kNoDigit for those outside the alphabet
+
+  // The same for kernels that look up sixteen bytes at a time. A value of run r (0 for A to Z, 1
+  // for a to z, 2 to 11 for each of 0 to 9, 12 and 13 for the last two) becomes a character by
+  // adding digit_offsets[r].
+  alignas(16) int8_t digit_offsets[16];
+  // A character with low four bits l and high four bits h is a digit when bit h of
+  // digit_rows[l] is set. It becomes a value by adding value_offsets[h], but for the two special
+  // ones, which differ from the rest of their row, by adding value_offsets[8 + h].
+  alignas(16) uint8_t digit_rows[16];
+  alignas(16) int8_t value_offsets[16];
+  char specials[2];
 };
 constexpr uint8_t kNoDigit = 0xFF;
 

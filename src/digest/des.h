@@ -15,6 +15,13 @@ constexpr int kNumRounds = 16;
 constexpr int kWordsPerPass = 2 * kNumRounds;
 constexpr int kPassesOfTriple = 3;
 
+// Where bit `i` of a round key (from 0, in the order of the standard) stands in its two words,
+// taken as one number with the first word on top.
+constexpr int round_key_shift(int i) {
+  const int box = i / 6;  // from 0, so that the odd ones are S2, S4, S6 and S8
+  return (box % 2 == 1 ? 32 : 0) + 24 - box / 2 * 8 + 5 - i % 6;
+}
+
 // Writes the 32 words of one pass.
 void schedule_key(uint32_t* subkeys, const uint8_t* key);
 // Writes the words of `subkeys` with the rounds in reverse order.

@@ -3,6 +3,7 @@
 // Both halves are kept rotated left by one. The six bits for S2, S4, S6 and S8 (bits 4 to 9, 12 to
 // 17, 20 to 25 and 28 to 1 of the half) are then the low bits of the four bytes, and those for S1,
 // S3, S5 and S7 after a further rotation right by four.
+#include "digest/arch/kernels.h"
 #include "digest/bytes.h"
 #include "digest/des.h"
 #include "digest/des_tables.h"
@@ -101,7 +102,11 @@ void des_blocks_portable(const uint32_t* subkeys, int num_passes, uint8_t* out, 
 
 void des_blocks(const uint32_t* subkeys, int num_passes, uint8_t* out, const uint8_t* in,
                 size_t num_blocks) {
-  des_blocks_portable(subkeys, num_passes, out, in, num_blocks);
+  for (const DesKernel& kernel : kDesKernels) {
+    if (num_blocks >= kernel.min_blocks && kernel.supported()) {
+      return kernel.blocks(subkeys, num_passes, out, in, num_blocks);
+    }
+  }
 }
 
 }  // namespace plx::digest::des

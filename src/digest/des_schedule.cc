@@ -41,11 +41,8 @@ struct NibbleChoice {
 // C in the upper 28 of 56 bits, D in the lower.
 constexpr uint64_t weight_in_halves(size_t i) { return uint64_t{1} << (55 - i); }
 
-// The layout that des.h describes, the first word above the second.
 constexpr uint64_t weight_in_round_key(size_t i) {
-  const size_t box = i / 6;  // S-box from 0, so that odd numbers are S2, S4, ...
-  const size_t word_shift = box % 2 == 1 ? 32 : 0;
-  return uint64_t{1} << (word_shift + 24 - 8 * (box / 2) + 5 - i % 6);
+  return uint64_t{1} << round_key_shift(static_cast<int>(i));
 }
 
 constexpr NibbleChoice<64> kChoice1(kPc1, weight_in_halves);

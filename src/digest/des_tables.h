@@ -48,6 +48,12 @@ constexpr unsigned select(int box, unsigned six_bits) {
   return kSelection[box][(six_bits >> 4 & 2) | (six_bits & 1)][six_bits >> 1 & 15];
 }
 
+// The initial permutation of a block's 64 bits: those of L, then those of R.
+constexpr uint8_t kIp[64] = {58, 50, 42, 34, 26, 18, 10, 2, 60, 52, 44, 36, 28, 20, 12, 4,
+                             62, 54, 46, 38, 30, 22, 14, 6, 64, 56, 48, 40, 32, 24, 16, 8,
+                             57, 49, 41, 33, 25, 17, 9,  1, 59, 51, 43, 35, 27, 19, 11, 3,
+                             61, 53, 45, 37, 29, 21, 13, 5, 63, 55, 47, 39, 31, 23, 15, 7};
+
 // Permutation P of the 32 bits that the selection functions give.
 constexpr uint8_t kP[32] = {16, 7, 20, 21, 29, 12, 28, 17, 1,  15, 23, 26, 5,  18, 31, 10,
                             2,  8, 24, 14, 32, 27, 3,  9,  19, 13, 30, 6,  22, 11, 4,  25};

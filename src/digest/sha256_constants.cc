@@ -2,6 +2,8 @@
 
 namespace plx::digest {
 
+const uint8_t kSha256Padding[kSha256BlockSize] = {0x80};
+
 const uint32_t kSha256InitialState[8] = {0x6a09e667, 0xbb67ae85, 0x3c6ef372, 0xa54ff53a,
                                          0x510e527f, 0x9b05688c, 0x1f83d9ab, 0x5be0cd19};
 

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "digest/arch/kernels.h"
 #include "digest/sha256_constants.h"
 #include "digest/sha256_functions.h"
 #include "internal/wipe.h"
@@ -42,7 +43,13 @@ void compress(uint32_t* state, uint32_t (&w)[16]) {
 }
 
 void blocks(uint32_t* state, const uint8_t* data, size_t num_blocks) {
-  blocks_portable(state, data, num_blocks);
+  sha256_blocks_or(blocks_portable)(state, data, num_blocks);
+}
+
+constexpr size_t kLengthOffset = kSha256BlockSize - sizeof Sha256Ctx::bitCount;
+
+void add_to_count(Sha256Ctx* ctx, size_t size) {
+  store_be64(ctx->bitCount, load_be64(ctx->bitCount) + uint64_t{size} * 8);
 }
 
 // Where the next byte goes. Callers depend on the position coming from the last two bytes of the
@@ -59,13 +66,25 @@ void pack(uint32_t* block, size_t position, const uint8_t* data, size_t size) {
     ++position;
   };
   while (i < size && position % 4 != 0) pack_byte();
+  for (; size - i >= sizeof(Quad) && position % sizeof(Quad) == 0; i += sizeof(Quad)) {
+    Quad words = load_swapped(data + i);
+    memcpy(block + position / 4, &words, sizeof words);
+    position += sizeof(Quad);
+  }
   for (; size - i >= 4; i += 4, position += 4) block[position / 4] |= load_be32(data + i);
   while (i < size) pack_byte();
 }
 
+void unpack(uint8_t* bytes, const uint32_t* block) {
+  for (int i = 0; i < 16; i += 4) {
+    const Quad words = load_swapped(block + i);
+    memcpy(bytes + 4 * i, &words, sizeof words);
+  }
+}
+
 void compress_packed(Sha256Ctx* ctx) {
   uint8_t bytes[kSha256BlockSize];
-  for (int i = 0; i < 16; ++i) store_be32(bytes + 4 * i, ctx->block[i]);
+  unpack(bytes, ctx->block);
   blocks(ctx->state, bytes, 1);
   memset(ctx->block, 0, sizeof ctx->block);
   wipe(bytes, sizeof bytes);
@@ -90,7 +109,7 @@ void start(Sha256Ctx* ctx) {
 
 void append(Sha256Ctx* ctx, const uint8_t* data, size_t size) {
   size_t position = block_position(ctx);
-  store_be64(ctx->bitCount, load_be64(ctx->bitCount) + uint64_t{size} * 8);
+  add_to_count(ctx, size);
   if (position != 0) {
     const size_t taken = std::min(size, kSha256BlockSize - position);
     pack(ctx->block, position, data, taken);
@@ -107,17 +126,38 @@ void append(Sha256Ctx* ctx, const uint8_t* data, size_t size) {
   pack(ctx->block, 0, data, size % kSha256BlockSize);
 }
 
-// The padding passes through append like data, so that it counts: callers that look at the count
-// afterwards find it at the end of the last block.
+// The end of the message is put together as bytes: out of the words, or of the data when no word is
+// filled. The padding is copied whole, so that there may be a second block behind the first.
 void finish(Sha256Ctx* ctx, const uint8_t* data, size_t size) {
-  if (size != 0) append(ctx, data, size);
-  constexpr size_t kLeastPadding = 1 + sizeof ctx->bitCount;
-  uint8_t padding[kSha256BlockSize + kLeastPadding - 1] = {0x80};
-  size_t padding_size = kSha256BlockSize - block_position(ctx);
-  if (padding_size < kLeastPadding) padding_size += kSha256BlockSize;
-  memcpy(padding + padding_size - sizeof ctx->bitCount, ctx->bitCount, sizeof ctx->bitCount);
-  append(ctx, padding, padding_size);
-  for (int i = 0; i < 8; ++i) store_be32(ctx->hash + 4 * i, ctx->state[i]);
+  uint8_t last[2 * kSha256BlockSize];
+  if (block_position(ctx) != 0) {
+    append(ctx, data, size);
+    unpack(last, ctx->block);
+    memset(ctx->block, 0, sizeof ctx->block);
+  } else {
+    const size_t tail_size = size % kSha256BlockSize;
+    append(ctx, data, size - tail_size);
+    copy_part(last, data + (size - tail_size), tail_size);
+    add_to_count(ctx, tail_size);
+  }
+  const size_t fill = block_position(ctx);
+  const size_t num_blocks = fill < kLengthOffset ? 1 : 2;
+  const uint64_t num_bits = load_be64(ctx->bitCount);
+  memcpy(last + fill, kSha256Padding, kSha256BlockSize);
+  const uint64_t big_endian = __builtin_bswap64(num_bits);
+  uint8_t* const end = last + num_blocks * kSha256BlockSize;
+  if (last + fill < end - sizeof(Quad)) {
+    const Quad zeros_and_length = {0, 0, static_cast<uint32_t>(big_endian),
+                                   static_cast<uint32_t>(big_endian >> 32)};
+    memcpy(end - sizeof(Quad), &zeros_and_length, sizeof(Quad));
+  } else {
+    memcpy(end - sizeof big_endian, &big_endian, sizeof big_endian);
+  }
+  blocks(ctx->state, last, num_blocks);
+  // The padding counts like data: callers that look at the count find it at the end of a block.
+  add_to_count(ctx, num_blocks * kSha256BlockSize - fill);
+  store_digest(ctx->hash, ctx->state);
+  wipe(last, sizeof last);
 }
 
 }  // namespace plx::digest::packed

@@ -2,6 +2,7 @@
 
 #include <stddef.h>
 
+#include "digest/arch/kernels.h"
 #include "digest/sha256_constants.h"
 #include "digest/sha256_functions.h"
 #include "internal/wipe.h"
@@ -34,8 +35,40 @@ void compress(uint32_t* state, const uint8_t* block, uint32_t (&w)[64]) {
   state[4] += e, state[5] += f, state[6] += g, state[7] += h;
 }
 
+// What a block keeps of itself, and what is put behind that: 0x80 and zeros. Read from as many
+// bytes before the middle as are filled.
+struct Overlay {
+  uint8_t kept[2 * kSha256BlockSize];
+  uint8_t added[2 * kSha256BlockSize];
+};
+
+constexpr Overlay make_overlay() {
+  Overlay overlay{};
+  for (size_t i = 0; i < kSha256BlockSize; ++i) overlay.kept[i] = 0xFF;
+  overlay.added[kSha256BlockSize] = 0x80;
+  return overlay;
+}
+
+constexpr Overlay kOverlay = make_overlay();
+
+// Pads the block behind its first `fill` bytes, with a length when that is not 0 (and has room).
+void pad(uint8_t* block, size_t fill, uint64_t num_bits) {
+  const uint64_t big_endian = __builtin_bswap64(num_bits);
+  const Quad length = {0, 0, static_cast<uint32_t>(big_endian),
+                       static_cast<uint32_t>(big_endian >> 32)};
+  for (size_t i = 0; i < kSha256BlockSize; i += sizeof(Quad)) {
+    Quad part, kept, added;
+    memcpy(&part, block + i, sizeof part);
+    memcpy(&kept, kOverlay.kept + kSha256BlockSize - fill + i, sizeof kept);
+    memcpy(&added, kOverlay.added + kSha256BlockSize - fill + i, sizeof added);
+    part = (part & kept) | added;
+    if (i == kSha256BlockSize - sizeof(Quad)) part |= length;
+    memcpy(block + i, &part, sizeof part);
+  }
+}
+
 void blocks(uint32_t* state, const uint8_t* data, size_t num_blocks) {
-  blocks_portable(state, data, num_blocks);
+  sha256_blocks_or(blocks_portable)(state, data, num_blocks);
 }
 
 }  // namespace
@@ -59,11 +92,11 @@ void append(Sha256Context* ctx, const uint8_t* data, size_t size) {
   const size_t room = kSha256BlockSize - fill;
   ctx->count += size;
   if (size < room) {
-    memcpy(ctx->buffer + fill, data, size);
+    copy_part(ctx->buffer + fill, data, size);
     return;
   }
   if (fill != 0) {
-    memcpy(ctx->buffer + fill, data, room);
+    copy_part(ctx->buffer + fill, data, room);
     blocks(ctx->state, ctx->buffer, 1);
     data += room;
     size -= room;
@@ -73,21 +106,20 @@ void append(Sha256Context* ctx, const uint8_t* data, size_t size) {
     data += num_blocks * kSha256BlockSize;
     memcpy(ctx->buffer, data - kSha256BlockSize, kSha256BlockSize);
   }
-  memcpy(ctx->buffer, data, size % kSha256BlockSize);
+  copy_part(ctx->buffer, data, size % kSha256BlockSize);
 }
 
 void finish(Sha256Context* ctx, uint8_t* digest) {
-  size_t fill = ctx->count % kSha256BlockSize;
-  ctx->buffer[fill++] = 0x80;
-  if (fill > kLengthOffset) {
-    memset(ctx->buffer + fill, 0, kSha256BlockSize - fill);
-    blocks(ctx->state, ctx->buffer, 1);
-    fill = 0;
-  }
-  memset(ctx->buffer + fill, 0, kLengthOffset - fill);
-  store_be64(ctx->buffer + kLengthOffset, ctx->count * 8);
+  const size_t fill = ctx->count % kSha256BlockSize;
+  const uint64_t num_bits = ctx->count * 8;
+  pad(ctx->buffer, fill, fill < kLengthOffset ? num_bits : 0);
   blocks(ctx->state, ctx->buffer, 1);
-  for (int i = 0; i < 8; ++i) store_be32(digest + 4 * i, ctx->state[i]);
+  if (fill >= kLengthOffset) {
+    memset(ctx->buffer, 0, kLengthOffset);
+    store_be64(ctx->buffer + kLengthOffset, num_bits);
+    blocks(ctx->state, ctx->buffer, 1);
+  }
+  store_digest(digest, ctx->state);
   // Callers depend on the context being ready for the next message.
   start(ctx);
 }
