@@ -11,7 +11,8 @@
 #include "support/failure.h"
 #include "support/output.h"
 
-namespace plx::tool {
+namespace plx {
+namespace tool {
 namespace {
 
 const char kExitCodes[] =
@@ -73,6 +74,7 @@ int run(int argc, char** argv) {
 }
 
 }  // namespace
-}  // namespace plx::tool
+}  // namespace tool
+}  // namespace plx
 
 int main(int argc, char** argv) { return plx::tool::run(argc, argv); }

@@ -9,6 +9,8 @@
 using plx::twin::fill_bytes;
 using plx::twin::fill_text;
 
+extern "C++" {
+
 #define PLX_TWIN_BELOW_1(function, symbol, parameters, arguments, sizes, used) \
   PLX_TWIN_(int, function, symbol, parameters, arguments, result < 1, result, sizes, used)
 
@@ -31,6 +33,8 @@ PLX_TWIN_BELOW_1(PLX_AesEncry, "_Z12PLX_AesEncryPKcPc", (const char* request, ch
 PLX_TWIN_BELOW_1(PLX_AesDecry, "_Z12PLX_AesDecryPKcPci",
                  (const char* request, char* out, int outSize), (request, out, outSize),
                  (PLX_SIZE(outSize)), PLX_NOTHING)
+
+}  // extern "C++"
 
 extern "C" {
 

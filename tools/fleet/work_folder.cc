@@ -20,7 +20,7 @@ WorkFolder::WorkFolder(const std::string& path) : path_(path) {
   const std::string name = path + "/lock";
   lock_ = open(name.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
   if (lock_ < 0) system_failure(path + ": cannot write into this folder", errno);
-  if (flock(lock_, LOCK_EX | LOCK_NB) != 0) {
+  if (!lock_patiently()) {
     const int error = errno;
     close(lock_);
     if (error != EWOULDBLOCK) system_failure(name, error);
@@ -29,6 +29,17 @@ WorkFolder::WorkFolder(const std::string& path) : path_(path) {
                   "wait for it, or give each run its own --shard");
   }
   remove_leftovers();
+}
+
+// The workers of a run that was killed hold its lock until they have ended too, a moment later.
+bool WorkFolder::lock_patiently() const {
+  for (int attempt = 0; attempt < 20; ++attempt) {
+    if (flock(lock_, LOCK_EX | LOCK_NB) == 0) return true;
+    if (errno != EWOULDBLOCK) return false;
+    usleep(100 * 1000);
+  }
+  errno = EWOULDBLOCK;
+  return false;
 }
 
 WorkFolder::~WorkFolder() { close(lock_); }

@@ -19,6 +19,7 @@ class WorkFolder {
   void remove();
 
  private:
+  bool lock_patiently() const;
   void remove_leftovers();
 
   std::string path_;
