@@ -38,8 +38,9 @@ install_packages() {
     "${missing[@]}" >/dev/null || die "could not install: ${missing[*]}"
 }
 
-build_packages=(g++ cmake ninja-build libssl-dev libcli11-dev libfmt-dev)
+build_packages=(g++ cmake ninja-build libssl-dev libcli11-dev libfmt-dev scdoc)
 test_packages=(python3 pkg-config clang libclang-rt-14-dev libgtest-dev googletest openssl binutils
+  xxd parallel time
   g++-arm-linux-gnueabihf qemu-user-static)
 
 # The compiler cache is used where it is, and not asked for where it is not.

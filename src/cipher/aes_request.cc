@@ -183,12 +183,14 @@ int decrypt_request(const char* request, char* out, int out_size) {
 }  // namespace
 }  // namespace plx::cipher
 
+using namespace plx::cipher;
+
 int PLX_AesEncry(const char* request, char* out) {
   if (request == nullptr) return 0;
-  return plx::cipher::encrypt_request(request, out);
+  return encrypt_request(request, out);
 }
 
 int PLX_AesDecry(const char* request, char* out, int outSize) {
   if (request == nullptr || out == nullptr) return 0;
-  return plx::cipher::decrypt_request(request, out, outSize);
+  return decrypt_request(request, out, outSize);
 }

@@ -17,19 +17,20 @@ class NameIndex {
  public:
   NameIndex(PendingEntries& entries, size_t first) : entries_(entries), first_(first) {}
 
-  // Fills in the name of `entry`, which is to be pushed next; false when a member has it already.
-  bool add(const Text& name, PendingEntry* entry);
+  // Makes `name` that of `entry`, the next one; false when a member has it already.
+  bool add(Text name, PendingEntry* entry);
 
  private:
   static constexpr size_t kIndexedFrom = 8;
-  static constexpr size_t kBuckets = 64;
+  static constexpr size_t kBucketBits = 7;
 
+  static size_t bucket_of(const PendingEntry& entry);
   void link(PendingEntry* entry, size_t place);
   void build(size_t count);
 
   PendingEntries& entries_;
   size_t first_;
-  uint16_t buckets_[kBuckets];  // a member's place in the object plus 1, or 0
+  uint16_t buckets_[1 << kBucketBits];  // a member's place in the object plus 1, or 0
 };
 
 }  // namespace plx::json

@@ -34,9 +34,10 @@ class Parser {
 
   PLX_JsonValue* parse_scalar();
 
-  // Whether the container whose entries start at `first` can take one more.
-  bool has_room(size_t first) {
-    return entries_.size() - first < kMaxEntries && entries_.reserve();
+  // The place of the next entry of the container whose entries start at `first`; null when it may
+  // not have any more.
+  PendingEntry* next_entry(size_t first) {
+    return entries_.size() - first < kMaxEntries ? entries_.next() : nullptr;
   }
 
   void skip_white_space() {
@@ -60,8 +61,10 @@ PLX_JsonValue* Parser::parse_value(int depth) {
 
 // Steps past `c` if it is next, white space apart.
 bool Parser::skip(char c) {
-  skip_white_space();
-  if (*cursor_ != c) return false;
+  if (*cursor_ != c) {
+    skip_white_space();
+    if (*cursor_ != c) return false;
+  }
   ++cursor_;
   return true;
 }
@@ -86,13 +89,16 @@ PLX_JsonValue* Parser::parse_array(int depth) {
 bool Parser::parse_element(int depth, size_t first) {
   PLX_JsonValue* element = parse_value(depth);
   if (element == nullptr) return false;
-  if (!has_room(first)) {
+  PendingEntry* entry = next_entry(first);
+  if (entry == nullptr) {
     // Of a refused element only the record is released, what hangs below it is not: callers depend
     // on it.
     release_block(element);
     return false;
   }
-  entries_.push({element, nullptr, 0, 0, 0});
+  entry->name = nullptr;
+  entry->value = element;
+  entries_.take_next();
   return true;
 }
 
@@ -121,16 +127,17 @@ PLX_JsonValue* Parser::parse_object(int depth) {
 }
 
 bool Parser::parse_member(int depth, size_t first, NameIndex* names) {
-  Text name = read_text(&cursor_);
-  if (name.data == nullptr || !skip(':')) return false;
-  PendingEntry entry = {parse_value(depth), nullptr, 0, 0, 0};
-  if (entry.value == nullptr) return false;
-  if (!has_room(first) || !names->add(name, &entry)) {
-    release(entry.value);
+  const Text name = read_text(&cursor_);
+  if (name.data == nullptr) return false;
+  PLX_JsonValue* value = skip(':') ? parse_value(depth) : nullptr;
+  PendingEntry* entry = value != nullptr ? next_entry(first) : nullptr;
+  if (entry == nullptr || !names->add(name, entry)) {
+    release_block(name.data);
+    release(value);
     return false;
   }
-  name.data.release();
-  entries_.push(entry);
+  entry->value = value;
+  entries_.take_next();
   return true;
 }
 
@@ -151,10 +158,10 @@ PLX_JsonValue* Parser::close_object(size_t first) {
 }
 
 PLX_JsonValue* Parser::parse_scalar() {
-  Text text = read_text(&cursor_);
+  const Text text = read_text(&cursor_);
   if (text.data == nullptr) return nullptr;
-  PLX_JsonValue* value = make_value(PLX_JSON_STRING, text.data.get());
-  if (value != nullptr) text.data.release();
+  PLX_JsonValue* value = make_value(PLX_JSON_STRING, text.data);
+  if (value == nullptr) release_block(text.data);
   return value;
 }
 
@@ -167,4 +174,8 @@ PLX_JsonValue* parse(const char* text) {
 
 }  // namespace plx::json
 
-extern "C" PLX_JsonValue* PLX_ParseJsonString(const char* text) { return plx::json::parse(text); }
+extern "C" {
+
+PLX_JsonValue* PLX_ParseJsonString(const char* text) { return plx::json::parse(text); }
+
+}  // extern "C"

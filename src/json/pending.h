@@ -14,7 +14,6 @@ namespace plx::json {
 struct PendingEntry {
   PLX_JsonValue* value;
   char* name;
-  size_t name_length;
   uint32_t name_hash;
   uint16_t next;  // see NameIndex
 };
@@ -29,17 +28,18 @@ class PendingEntries {
   size_t size() const { return size_; }
   PendingEntry& operator[](size_t i) { return entries_[i]; }
 
-  // Makes room for one more entry; false when memory is short.
-  bool reserve() { return size_ != capacity_ || grow(); }
-  // Takes over the entry. There must be room.
-  void push(const PendingEntry& entry) { entries_[size_++] = entry; }
+  // The place of the next entry, to be filled and then taken over; null when memory is short.
+  PendingEntry* next() { return size_ != capacity_ || grow() ? entries_ + size_ : nullptr; }
+  void take_next() { ++size_; }
   // Forgets the entries from `first` on: they have a new owner.
   void drop_from(size_t first) { size_ = first; }
 
  private:
   bool grow();
 
-  static constexpr size_t kInline = 96;
+  // On the stack, so that a container of any size needs no other block before it closes: a large
+  // block in the midst of small ones makes the platform's allocator tidy up, at some cost.
+  static constexpr size_t kInline = 512;
 
   PendingEntry* entries_;
   size_t size_ = 0;

@@ -3,42 +3,58 @@
 #include <stdlib.h>
 #include <string.h>
 
+#include "json/name_match.h"
 #include "json/tree.h"
 
 namespace plx::json {
 namespace {
 
-struct SameCase {
-  static bool equal(const char* a, const char* b) { return strcmp(a, b) == 0; }
-};
-
-// ASCII letters only, whatever the locale.
-struct AnyCase {
-  static unsigned char lower(char c) {
-    const auto byte = static_cast<unsigned char>(c);
-    return byte >= 'A' && byte <= 'Z' ? byte | 0x20 : byte;
+// Place of the first member whose name matches, or the count. The matcher comes by value, so that
+// the compiler sees that nothing changes it.
+template <typename Names>
+int32_t index_of(const PLX_JsonObject& object, const Names names) {
+  for (int32_t i = 0; i < object.count; ++i) {
+    if (names.matches(object.names[i])) return i;
   }
-  static bool equal(const char* a, const char* b) {
-    for (; lower(*a) == lower(*b); ++a, ++b) {
-      if (*a == '\0') return true;
-    }
-    return false;
-  }
-};
+  return object.count;
+}
 
 template <typename Names>
-PLX_JsonValue* search(const PLX_JsonValue* value, const char* name) {
-  if (const PLX_JsonObject* object = object_of(value)) {
-    for (int32_t i = 0; i < object->count; ++i) {
-      if (Names::equal(object->names[i], name)) return object->values[i];
-      if (PLX_JsonValue* found = search<Names>(object->values[i], name)) return found;
-    }
-  } else if (const PLX_JsonArray* array = array_of(value)) {
-    for (int32_t i = 0; i < array->count; ++i) {
-      if (PLX_JsonValue* found = search<Names>(array->items[i], name)) return found;
-    }
+PLX_JsonValue* search(const PLX_JsonValue* value, const Names& names);
+
+// Place of the first container among `values` from `i` on, or the count. Scalars are what there is
+// most of, so four are told at a step.
+int32_t next_container(PLX_JsonValue* const* values, int32_t i, int32_t count) {
+  for (; i + 4 <= count; i += 4) {
+    const uint32_t types =
+        values[i]->type | values[i + 1]->type | values[i + 2]->type | values[i + 3]->type;
+    if (types != PLX_JSON_STRING) break;
+  }
+  while (i < count && values[i]->type == PLX_JSON_STRING) ++i;
+  return i;
+}
+
+// The first match below the first `count` of `values`.
+template <typename Names>
+PLX_JsonValue* search_each(PLX_JsonValue* const* values, int32_t count, const Names& names) {
+  for (int32_t i = 0; (i = next_container(values, i, count)) < count; ++i) {
+    if (PLX_JsonValue* found = search(values[i], names)) return found;
   }
   return nullptr;
+}
+
+// A member's own name goes before what is below its value, and that before the next member; so
+// below the values in front of the member that matches, and only there, may be an earlier match.
+template <typename Names>
+PLX_JsonValue* search(const PLX_JsonValue* value, const Names& names) {
+  if (const PLX_JsonArray* array = array_of(value)) {
+    return search_each(array->items, array->count, names);
+  }
+  const PLX_JsonObject* object = object_of(value);
+  if (object == nullptr) return nullptr;
+  const int32_t match = index_of(*object, names);
+  if (PLX_JsonValue* found = search_each(object->values, match, names)) return found;
+  return match < object->count ? object->values[match] : nullptr;
 }
 
 // The words of a boolean, tested as prefixes in this order.
@@ -61,7 +77,8 @@ int boolean_of(const PLX_JsonValue* value) {
 }  // namespace
 
 PLX_JsonValue* find(const PLX_JsonValue* value, const char* name) {
-  return name != nullptr ? search<SameCase>(value, name) : nullptr;
+  if (name == nullptr) return nullptr;
+  return with_matcher(name, [value](const auto& names) { return search(value, names); });
 }
 
 const char* text_of(const PLX_JsonValue* value) {
@@ -101,10 +118,10 @@ PLX_JsonValue* PLX_JsonObjectGetValueByIndex(const PLX_JsonObject* object, int i
 
 PLX_JsonValue* PLX_JsonObjectGetValueByName(const PLX_JsonObject* object, const char* name) {
   if (object == nullptr || name == nullptr) return nullptr;
-  for (int32_t i = 0; i < object->count; ++i) {
-    if (SameCase::equal(object->names[i], name)) return object->values[i];
-  }
-  return nullptr;
+  return with_matcher(name, [object](const auto& names) {
+    const int32_t match = index_of(*object, names);
+    return match < object->count ? object->values[match] : nullptr;
+  });
 }
 
 PLX_JsonValue* PLX_FindFromJsonValue(const PLX_JsonValue* value, const char* name) {
@@ -112,7 +129,7 @@ PLX_JsonValue* PLX_FindFromJsonValue(const PLX_JsonValue* value, const char* nam
 }
 
 PLX_JsonValue* PLX_FindFromJsonValueiCase(const PLX_JsonValue* value, const char* name) {
-  return name != nullptr ? search<AnyCase>(value, name) : nullptr;
+  return name != nullptr ? search(value, AnyCase(name)) : nullptr;
 }
 
 const char* PLX_FindStringFromJsonValue(const PLX_JsonValue* value, const char* name) {

@@ -1,12 +1,11 @@
-// Texts are taken in two passes: the first finds where the text ends and whether it holds anything
-// but plain characters, the second, where that is so, measures what the escapes make of it. Then
-// the block is allocated in its exact size and filled.
+// Texts with escapes, in single quotes, or to be refused. They are taken in two passes: the first
+// finds where the text ends and whether it holds anything but plain characters, the second, where
+// that is so, measures what the escapes make of it. Then the block is allocated in its exact size
+// and filled.
 #include "json/text.h"
 
 #include <stdint.h>
 
-#include "container/alloc.h"
-#include "json/characters.h"
 #include "securec/memory.h"
 
 namespace plx::json {
@@ -19,8 +18,8 @@ struct RawText {
   bool is_plain;     // no escape and no control byte: to be copied as it is
 };
 
-// Finds the string that the quote at `*cursor` opens. Where it has no end, the cursor stays; where
-// it ends, the cursor moves past the closing quote, and nothing but the text's end may be amiss.
+// Finds the string that the quote at `*cursor` opens, and moves the cursor past its closing quote.
+// False, with the cursor where it was, when it has no end; false as well when nothing follows it.
 bool scan_quoted(const char** cursor, RawText* out) {
   const char quote = **cursor;
   const unsigned stops = kBackslash | kControl | (quote == '"' ? kDoubleQuote : kSingleQuote);
@@ -28,7 +27,7 @@ bool scan_quoted(const char** cursor, RawText* out) {
   out->first = p;
   out->is_plain = true;
   for (;;) {
-    while (!is_any(*p, stops)) ++p;
+    p = find_any(p, stops);
     if (*p == quote) break;
     out->is_plain = false;
     if (*p == '\\') ++p;
@@ -41,14 +40,11 @@ bool scan_quoted(const char** cursor, RawText* out) {
 }
 
 bool scan_token(const char** cursor, RawText* out) {
-  const char* p = *cursor;
-  out->first = p;
-  while (!is_any(*p, kEndsToken | kControl | kBackslash)) ++p;
+  out->first = *cursor;
+  const char* p = find_any(*cursor, kEndsToken | kControl | kBackslash);
   out->is_plain = is_any(*p, kEndsToken);
-  while (!is_any(*p, kEndsToken)) ++p;
-  out->last = p;
-  *cursor = p;
-  return out->first != p;
+  out->last = *cursor = find_any(p, kEndsToken);
+  return out->first != out->last;
 }
 
 // Takes the unescaped text in pieces: counts it and, where there is a block, stores it. A NUL ends
@@ -154,35 +150,32 @@ size_t unescape(const RawText& raw, char* out, size_t out_size) {
   }
 }
 
-size_t measure(const RawText& raw) {
-  return raw.is_plain ? static_cast<size_t>(raw.last - raw.first) : unescape(raw, nullptr, 0);
-}
-
-Text copy_text(const RawText& raw, size_t length) {
-  Text text{OwnedBlock<char>(static_cast<char*>(allocate_block(length + 1))), length};
-  char* out = text.data.get();
-  if (out == nullptr) return text;
-  if (raw.is_plain) {
-    securec::copy_memory(out, length + 1, raw.first, length);
-  } else {
-    unescape(raw, out, length + 1);
-  }
-  out[length] = '\0';
-  return text;
+// The text in a block of its own; `out_rejected` tells a bad escape or a control byte from short
+// memory.
+Text make_text(const RawText& raw, bool* out_rejected) {
+  *out_rejected = false;
+  if (raw.is_plain) return copy_plain_text(raw.first, raw.last);
+  const size_t length = unescape(raw, nullptr, 0);
+  *out_rejected = length == kRejected;
+  if (*out_rejected) return {};
+  char* data = static_cast<char*>(allocate_block(length + 1));
+  if (data == nullptr) return {};
+  unescape(raw, data, length + 1);
+  data[length] = '\0';
+  return {data, length};
 }
 
 }  // namespace
 
-Text read_text(const char** cursor) {
+Text read_unusual_text(const char** cursor) {
   RawText raw;
+  bool rejected;
   if (is_any(**cursor, kDoubleQuote | kSingleQuote) && scan_quoted(cursor, &raw)) {
-    const size_t length = measure(raw);
-    if (length != kRejected) return copy_text(raw, length);
+    const Text text = make_text(raw, &rejected);
+    if (!rejected) return text;
   }
   // Also behind the closing quote of a string that was rejected: callers depend on it.
-  if (!scan_token(cursor, &raw)) return {};
-  const size_t length = measure(raw);
-  return length != kRejected ? copy_text(raw, length) : Text{};
+  return scan_token(cursor, &raw) ? make_text(raw, &rejected) : Text{};
 }
 
 }  // namespace plx::json

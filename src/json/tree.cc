@@ -44,12 +44,6 @@ Body* checked_body(Body* body, bool ok) {
 
 }  // namespace
 
-PLX_JsonValue* make_value(uint32_t type, void* data) {
-  auto* value = static_cast<PLX_JsonValue*>(allocate_block(sizeof(PLX_JsonValue)));
-  if (value != nullptr) *value = {type, data};
-  return value;
-}
-
 PLX_JsonArray* make_array(size_t count) {
   auto* array = static_cast<PLX_JsonArray*>(allocate_block(sizeof(PLX_JsonArray)));
   if (array == nullptr) return nullptr;
@@ -81,7 +75,9 @@ void release_body(PLX_JsonObject* object) {
 
 void release(PLX_JsonValue* value) {
   if (value == nullptr) return;
-  if (PLX_JsonObject* object = object_of(value)) {
+  if (value->type == PLX_JSON_STRING) {
+    release_block(value->data);
+  } else if (PLX_JsonObject* object = object_of(value)) {
     for (int32_t i = object->count; i-- > 0;) {
       release_block(object->names[i]);
       release(object->values[i]);
@@ -90,12 +86,14 @@ void release(PLX_JsonValue* value) {
   } else if (PLX_JsonArray* array = array_of(value)) {
     for (int32_t i = array->count; i-- > 0;) release(array->items[i]);
     release_body(array);
-  } else if (value->type == PLX_JSON_STRING) {
-    release_block(value->data);
   }
   release_block(value);
 }
 
 }  // namespace plx::json
 
-extern "C" void PLX_FreeJsonValue(PLX_JsonValue* value) { plx::json::release(value); }
+extern "C" {
+
+void PLX_FreeJsonValue(PLX_JsonValue* value) { plx::json::release(value); }
+
+}  // extern "C"

@@ -4,11 +4,17 @@
 
 #include <plx/json.h>
 
+#include "container/alloc.h"
+
 namespace plx::json {
 
 // A new record of kind `type` that owns `data`; null, with `data` still the caller's, when memory
 // is short.
-PLX_JsonValue* make_value(uint32_t type, void* data);
+inline PLX_JsonValue* make_value(uint32_t type, void* data) {
+  auto* value = static_cast<PLX_JsonValue*>(allocate_block(sizeof(PLX_JsonValue)));
+  if (value != nullptr) *value = {type, data};
+  return value;
+}
 
 // Bodies without entries, `count` slots allocated and counted; the slots are to be filled at once.
 // Null when memory is short.

@@ -49,7 +49,7 @@ std::string iv_of(const std::string& prefix) {
 std::string judge_request(const Cipher& cipher, const std::string& stored, bool encrypting,
                           const std::string& in) {
   const std::string name = "AES-" + cipher.bits + "-" + (cipher.mode == "CBC" ? "CBC" : "ECB");
-  return judge(name.c_str(), encrypting, !cipher.padding.empty(),
+  return judge(name, encrypting, !cipher.padding.empty(),
                key_of(cipher.key_prefix.empty() ? stored : cipher.key_prefix),
                iv_of(cipher.iv_prefix), in);
 }

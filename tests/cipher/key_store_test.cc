@@ -7,7 +7,6 @@
 #include <string>
 
 #include "cipher/key_store.h"
-#include "cipher/secrets.h"
 #include "cipher/support.h"
 #include "support/allocation.h"
 #include "support/key_files.h"
@@ -16,8 +15,10 @@ namespace {
 
 using namespace plx_test;
 using plx::cipher::KeyFault;
+using plx::cipher::load_work_key;
 
-const std::string kFactor = "a 16-byte factor";
+const std::string kFactor = "a 16-byte factor", kMore = "a 16-byte factor and more";
+const std::string kTenMib(10 << 20, 'Q');
 
 size_t open_descriptors() {
   size_t count = 0;
@@ -28,40 +29,27 @@ size_t open_descriptors() {
 }
 
 TEST(KeyStore, Table) {
-  struct Row {
-    const char *name, *factor, *work_key;
-    tagKeyVectorFunction vector;
-  };
-  const Row rows[] = {
-      {"encrypt_stb_key", "/system/etc/security/i/c/f", "/system/etc/security/i/c/w",
-       getVectorForSTBEncyptInitKey},
-      {"aes_prefix_key", "/system/etc/security/i/p/f", "/system/etc/security/i/p/w",
-       getVectorForCipherPrefixInitKey},
-      {"whitelist_key", "/system/etc/security/i/w/f", "/system/etc/security/i/w/w",
-       getVectorForWhiteListInitKey},
-      {"pvr_file_key", "/system/etc/security/i/v/f", "/system/etc/security/i/v/w",
-       getVectorForPVRFileInitKey},
-      {"epg_profile_key", "/data/security/i/u/f", "/data/security/i/u/w",
-       getVectorForEPGProfileEncyptInitKey},
-  };
+  std::string table;
   for (int i = 0; i < 5; ++i) {
-    const std::string name = rows[i].name;
-    EXPECT_EQ(name, g_stKeyMap[i].pszKeyName);
-    EXPECT_STREQ(rows[i].factor, g_stKeyMap[i].pszFactorPath);
-    EXPECT_STREQ(rows[i].work_key, g_stKeyMap[i].pszWorkKeyPath);
-    EXPECT_EQ(rows[i].vector, g_stKeyMap[i].pfnGetVector);
+    const tagKeyMap& row = g_stKeyMap[i];
+    const std::string name = row.pszKeyName;
+    table += name + " " + row.pszFactorPath + " " + row.pszWorkKeyPath + "\n";
     EXPECT_EQ(i, getIndexValueSetByName(name));
     EXPECT_EQ(-1, getIndexValueSetByName(name + "s"));
     EXPECT_EQ(-1, getIndexValueSetByName(name + '\0'));
     EXPECT_EQ(-1, getIndexValueSetByName(name.substr(0, name.size() - 1)));
   }
-  EXPECT_EQ(-1, getIndexValueSetByName(""));
-  EXPECT_EQ(64u, sizeof g_szStbId);
-  EXPECT_EQ(512u, sizeof g_WorkKey);
+  EXPECT_EQ(
+      "encrypt_stb_key /system/etc/security/i/c/f /system/etc/security/i/c/w\n"
+      "aes_prefix_key /system/etc/security/i/p/f /system/etc/security/i/p/w\n"
+      "whitelist_key /system/etc/security/i/w/f /system/etc/security/i/w/w\n"
+      "pvr_file_key /system/etc/security/i/v/f /system/etc/security/i/v/w\n"
+      "epg_profile_key /data/security/i/u/f /data/security/i/u/w\n",
+      table);
 }
 
 TEST(KeyStore, Factor) {
-  const std::string text = base64(kFactor), ten_mib(10 << 20, 'Q');
+  const std::string text = base64(kFactor);
   struct Row {
     const char* why;
     std::string file;
@@ -69,16 +57,14 @@ TEST(KeyStore, Factor) {
     std::string factor;  // what is copied
   };
   const Row rows[] = {
-      {"16 bytes", text, 16, 0, kFactor},
-      {"into more room", text, 40, 0, kFactor},
+      {"16 bytes into more room", text, 40, 0, kFactor},
       {"without a line feed", text.substr(0, 24), 16, 0, kFactor},
       {"a short one", base64("short"), 16, 0, "short"},
-      {"20 bytes are passed over", base64(kFactor + "more"), 16, 0, ""},
-      {"but fit into 20", base64(kFactor + "more"), 20, 0, kFactor + "more"},
+      {"a long one is passed over", base64(kMore), 16, 0, ""},
+      {"but fits into more room", base64(kMore), 25, 0, kMore},
       {"no Base64: the result says nothing", "?!", 16, 0, ""},
-      {"the file behind 32 bytes is not read", text.substr(0, 24) + "\n\n\n\n\n\n\n\n?", 16, 0,
-       kFactor},
-      {"10 MiB, of which 32 bytes make 24", ten_mib, 16, 0, ""},
+      {"the file behind 32 bytes is not read", text + "\n\n\n\n\n\n\n?", 16, 0, kFactor},
+      {"10 MiB, of which 32 characters are 24 bytes", kTenMib, 16, 0, ""},
       {"an empty file", "", 16, -1, ""},
       {"15 bytes of room", text, 15, -1, ""},
       {"negative room", text, INT_MIN, -1, ""},
@@ -98,10 +84,10 @@ TEST(KeyStore, Factor) {
     EXPECT_EQ(-1, getFactorByIndex(index, bytes(out), 16)) << index;
   }
   EXPECT_EQ(-1, getFactorByIndex(1, nullptr, 16));
-  g_stKeyMap[1].pszFactorPath = files.folder().c_str();
-  EXPECT_EQ(-1, getFactorByIndex(1, bytes(out), 16));  // opens, but cannot be read
-  g_stKeyMap[1].pszFactorPath = nullptr;
-  EXPECT_EQ(-1, getFactorByIndex(1, bytes(out), 16));
+  for (const char* path : {files.folder().c_str(), static_cast<const char*>(nullptr)}) {
+    g_stKeyMap[1].pszFactorPath = path;
+    EXPECT_EQ(-1, getFactorByIndex(1, bytes(out), 16));
+  }
   EXPECT_EQ(std::string(16, '.'), out);
   EXPECT_EQ(descriptors, open_descriptors());
 }
@@ -115,49 +101,45 @@ unsigned char* own_vector(unsigned char* dst, unsigned int size) {
 TEST(KeyStore, InitKey) {
   struct Row {
     const char* why;
-    std::string factor_file, factor;  // as it counts
+    std::string file, factor;  // and how it counts
     int index, size;
     tagKeyVectorFunction vector;
     int result;
   };
-  const std::string zeros(16, '\0');
+  const std::string text = base64(kFactor), zeros(16, '\0');
   const Row rows[] = {
-      {"as many bytes as asked for", base64(kFactor), kFactor, 0, 1, nullptr, 0},
-      {"", base64(kFactor), kFactor, 1, 16, nullptr, 0},
-      {"", base64(kFactor), kFactor, 2, 40, nullptr, 0},
-      {"a short factor is filled with zeros", base64("ab"), "ab" + zeros.substr(2), 3, 16, nullptr,
-       0},
-      {"a long one counts as zeros", base64(kFactor + "more"), zeros, 4, 16, nullptr, 0},
-      {"the row's vector is the one", base64(kFactor), kFactor, 4, 16, own_vector, 0},
-      {"a row without a vector", base64(kFactor), "", 4, 16, no_vector, -1},
-      {"no factor", "", "", 4, 16, nullptr, -1},
-      {"no such row", base64(kFactor), "", 5, 16, nullptr, -1},
-      {"", base64(kFactor), "", -1, 16, nullptr, -1},
-      {"nothing asked for", base64(kFactor), "", 1, 0, nullptr, -1},
-      {"", base64(kFactor), "", 1, -1, nullptr, -1},
+      {"as many bytes as asked for", text, kFactor, 0, 1, getVectorForSTBEncyptInitKey, 0},
+      {"", text, kFactor, 1, 16, getVectorForCipherPrefixInitKey, 0},
+      {"", text, kFactor, 2, 40, getVectorForWhiteListInitKey, 0},
+      {"filled with zeros", base64("a"), "a" + zeros, 3, 16, getVectorForPVRFileInitKey, 0},
+      {"too long", base64(kMore), zeros, 4, 16, getVectorForEPGProfileEncyptInitKey, 0},
+      {"a row of the host's", text, kFactor, 4, 16, own_vector, 0},
+      {"a vector function that fails", text, "", 4, 16, no_vector, -1},
+      {"none", text, "", 4, 16, nullptr, -1},
+      {"no factor", "", "", 4, 16, own_vector, -1},
+      {"no such row", text, "", 5, 16, own_vector, -1},
+      {"", text, "", -1, 16, own_vector, -1},
+      {"nothing asked for", text, "", 1, 0, own_vector, -1},
+      {"", text, "", 1, INT_MIN, own_vector, -1},
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(row.why);
     KeyFiles files;
-    for (int i = 0; i < 5; ++i) files.write_factor(i, row.factor_file);
-    unsigned char vector[16] = {}, expected[41];
-    memset(expected, '.', sizeof expected);
-    if (row.vector != nullptr) g_stKeyMap[row.index].pfnGetVector = row.vector;
+    for (int i = 0; i < 5; ++i) files.write_factor(i, row.file);
+    if (row.index == 4) g_stKeyMap[4].pfnGetVector = row.vector;
+    std::string vector(16, '.'), out(41, '.'), expected;
     if (row.result == 0) {
-      g_stKeyMap[row.index].pfnGetVector(vector, 16);
-      PKCS5_PBKDF2_HMAC(row.factor.data(), 16, vector, 16, 10000, EVP_sha256(), row.size, expected);
+      row.vector(bytes(vector), 16);
+      expected = pbkdf2(row.factor.substr(0, 16), vector, 10000, row.size);
     }
-    std::string out(41, '.');
     EXPECT_EQ(row.result, DeriveInitKeyByIndex(row.index, bytes(out), row.size));
-    EXPECT_TRUE(out == std::string(reinterpret_cast<char*>(expected), 41));
+    EXPECT_TRUE(out == expected + std::string(41 - expected.size(), '.'));
     EXPECT_EQ(-1, DeriveInitKeyByIndex(row.index, nullptr, 16));
+    unsigned char* none = row.vector != nullptr ? bytes(vector) : nullptr;
+    const unsigned index = static_cast<unsigned>(row.index);
+    EXPECT_TRUE(index != 4 || row.vector == no_vector ||
+                none == getVectorForInitKeyByIndex(4, bytes(vector), 16));
   }
-  KeyFiles files;
-  files.write_factor(0, base64(kFactor));
-  g_stKeyMap[0].pfnGetVector = nullptr;
-  unsigned char out[16];
-  EXPECT_EQ(-1, DeriveInitKeyByIndex(0, out, 16));
-  EXPECT_EQ(nullptr, getVectorForInitKeyByIndex(0, out, 16));
 }
 
 TEST(KeyStore, WorkKey) {
@@ -166,29 +148,25 @@ TEST(KeyStore, WorkKey) {
   std::string init_key(16, '\0');
   ASSERT_EQ(0, DeriveInitKeyByIndex(1, bytes(init_key), 16));
   const auto file_of = [&](const std::string& key) { return base64(sealed(key, init_key)); };
-  const std::string blob = sealed("work key", init_key), fifteen(15, 'k');
+  const std::string blob = sealed("work key", init_key), fifteen(15, 'k'), long_key(700, 'k');
   std::string damaged = sealed(std::string(16, 'p'), init_key);
   damaged[31] ^= 1;  // the last byte of the block before the padding
-  const std::string ten_mib(10 << 20, 'Q');
   struct Row {
     const char* why;
     std::string file;
     int size;
     KeyFault fault;
-    std::string key;  // what is copied, with its terminator
+    std::string key;  // what is copied
   };
   const Row rows[] = {
-      {"a key", file_of("work key"), 32, KeyFault::kNone, "work key"},
-      {"that just fits", file_of(fifteen), 16, KeyFault::kNone, fifteen},
+      {"a key of many lines", file_of(long_key), 701, KeyFault::kNone, long_key},
+      {"a key that just fits", file_of(fifteen), 16, KeyFault::kNone, fifteen},
       {"that does not", file_of(fifteen), 15, KeyFault::kWorkKeyDoesNotFit, ""},
       {"no room", file_of(""), 0, KeyFault::kWorkKeyDoesNotFit, ""},
-      {"negative room", file_of("work key"), INT_MIN, KeyFault::kWorkKeyDoesNotFit, ""},
+      {"negative room", file_of("key"), INT_MIN, KeyFault::kWorkKeyDoesNotFit, ""},
       {"an empty key", file_of(""), 1, KeyFault::kNone, ""},
-      {"a zero byte ends the copy", file_of(std::string("wo\0rk", 5)), 6, KeyFault::kNone, "wo"},
-      {"but the whole key must fit", file_of(std::string("wo\0rk", 5)), 5,
-       KeyFault::kWorkKeyDoesNotFit, ""},
-      {"a key of many lines", file_of(std::string(700, 'k')), 701, KeyFault::kNone,
-       std::string(700, 'k')},
+      {"a zero byte ends it", file_of(std::string("w\0rk", 4)), 5, KeyFault::kNone, "w"},
+      {"but all must fit", file_of(std::string("w\0rk", 4)), 4, KeyFault::kWorkKeyDoesNotFit, ""},
       {"an empty file", "", 32, KeyFault::kWorkKeyNotBase64, ""},
       {"no Base64", "?", 32, KeyFault::kWorkKeyNotBase64, ""},
       {"zero bytes", std::string(100, '\0'), 32, KeyFault::kWorkKeyNotBase64, ""},
@@ -196,7 +174,7 @@ TEST(KeyStore, WorkKey) {
       {"no cipher text", base64(blob.substr(0, 16)), 32, KeyFault::kWorkKeyNotOpened, ""},
       {"a cut cipher text", base64(blob.substr(0, 31)), 32, KeyFault::kWorkKeyNotOpened, ""},
       {"damaged padding", base64(damaged), 32, KeyFault::kWorkKeyNotOpened, ""},
-      {"10 MiB", ten_mib, 32, KeyFault::kWorkKeyNotOpened, ""},
+      {"10 MiB", kTenMib, 32, KeyFault::kWorkKeyNotOpened, ""},
   };
   const size_t descriptors = open_descriptors();
   for (const Row& row : rows) {
@@ -206,60 +184,48 @@ TEST(KeyStore, WorkKey) {
     const bool loads = row.fault == KeyFault::kNone;
     std::string out(800, '.'), expected = loads ? row.key + '\0' : "";
     expected.resize(800, '.');
-    EXPECT_EQ(loads ? 0 : -1, getPlainWorkKeyByName("aes_prefix_key", &out[0], row.size));
+    EXPECT_EQ(row.fault, load_work_key("aes_prefix_key", &out[0], row.size));
     EXPECT_EQ(expected, out);
-    EXPECT_EQ(row.fault, plx::cipher::load_work_key("aes_prefix_key", &out[0], row.size));
   }
-  files.write_work_key(1, file_of("work key"));
+  files.write_work_key(1, file_of("key"));
   char out[32] = "untouched";
   EXPECT_EQ(-1, getPlainWorkKeyByName("aes_prefix", out, 32));
   EXPECT_EQ(-1, getPlainWorkKeyByName("aes_prefix_key", nullptr, 32));
   EXPECT_EQ(-1, getPlainWorkKeyByName("whitelist_key", out, 32));  // no files
-  const std::string path = g_stKeyMap[1].pszWorkKeyPath;
+  const char* path = g_stKeyMap[1].pszWorkKeyPath;
   for (const char* unreadable :
-       {files.folder().c_str(), static_cast<const char*>(nullptr), "/dev/null/none"}) {
+       {files.folder().c_str(), "/no/file", static_cast<const char*>(nullptr)}) {
     g_stKeyMap[1].pszWorkKeyPath = unreadable;
-    EXPECT_EQ(KeyFault::kWorkKeyUnreadable, plx::cipher::load_work_key("aes_prefix_key", out, 32));
+    EXPECT_EQ(KeyFault::kWorkKeyUnreadable, load_work_key("aes_prefix_key", out, 32));
   }
-  g_stKeyMap[1].pszWorkKeyPath = path.c_str();
-  files.write_factor(1, base64("another factor.."));
-  EXPECT_EQ(-1, getPlainWorkKeyByName("aes_prefix_key", out, 32));
+  g_stKeyMap[1].pszWorkKeyPath = path;
   EXPECT_STREQ("untouched", out);
   EXPECT_EQ(descriptors, open_descriptors());
+
+  const auto load = [&](const AllocationFault& fault) {
+    const int result = getPlainWorkKeyByName("aes_prefix_key", out, 32);
+    EXPECT_EQ(fault.hit() ? -1 : 0, result);
+    EXPECT_STREQ(fault.hit() ? "untouched" : "key", out);
+  };
+  long leaked = 0;
+  EXPECT_LE(4u, fail_each_allocation(load, &leaked));
+  EXPECT_EQ(0, leaked);
 }
 
 TEST(KeyStore, EachKeyIsItsOwnAndOneIsTheBoxes) {
   KeyFiles files;
   strcpy(g_szStbId, "STB-000123");
   for (int i = 0; i < 5; ++i) files.provision(i, kFactor, "key " + std::to_string(i));
-  for (const char* id : {"STB-000123", "STB-000124", ""}) {
+  for (const char* id : {"STB-000123", ""}) {
     strcpy(g_szStbId, id);
     for (int i = 0; i < 5; ++i) {
       SCOPED_TRACE(testing::Message() << id << " " << i);
       char out[16] = "";
-      const bool loads = i != 4 || strcmp(id, "STB-000123") == 0;
+      const bool loads = i != 4 || *id != 0;
       EXPECT_EQ(loads ? 0 : -1, getPlainWorkKeyByName(g_stKeyMap[i].pszKeyName, out, 16));
       EXPECT_EQ(loads ? "key " + std::to_string(i) : "", out);
     }
   }
-}
-
-TEST(KeyStore, EveryAllocationFailing) {
-  KeyFiles files;
-  files.provision(0, kFactor, "work key");
-  char out[32] = "untouched";
-  long leaked = 0;
-  const size_t failed = fail_each_allocation(
-      [&](const AllocationFault& fault) {
-        const KeyFault result = plx::cipher::load_work_key("encrypt_stb_key", out, 32);
-        // The C library's buffer of the work-key file may be among them; that file opens then all
-        // the same, or not.
-        EXPECT_EQ(!fault.hit(), result == KeyFault::kNone);
-        EXPECT_STREQ(fault.hit() ? "untouched" : "work key", out);
-      },
-      &leaked);
-  EXPECT_LE(4u, failed);
-  EXPECT_EQ(0, leaked);
 }
 
 }  // namespace

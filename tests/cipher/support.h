@@ -6,54 +6,50 @@
 #include <gtest/gtest.h>
 #include <openssl/err.h>
 #include <openssl/evp.h>
-#include <stdio.h>
 
 #include <string>
 
 namespace plx_test {
 
-inline std::string to_hex(const void* data, size_t size) {
+inline std::string to_hex(const std::string& data) {
   std::string text;
-  for (size_t i = 0; i < size; ++i) {
-    char digits[3];
-    snprintf(digits, sizeof digits, "%02X", static_cast<const unsigned char*>(data)[i]);
-    text += digits;
+  for (const unsigned char c : data) {
+    text += "0123456789ABCDEF"[c >> 4];
+    text += "0123456789ABCDEF"[c & 15];
   }
   return text;
 }
 
-inline std::string to_hex(const std::string& bytes) { return to_hex(bytes.data(), bytes.size()); }
-
 inline std::string from_hex(const std::string& text) {
-  std::string bytes;
-  for (size_t i = 0; i + 1 < text.size(); i += 2) {
-    bytes += static_cast<char>(std::stoi(text.substr(i, 2), nullptr, 16));
+  std::string data;
+  for (size_t i = 0; i < text.size(); i += 2) {
+    data += static_cast<char>(std::stoi(text.substr(i, 2), nullptr, 16));
   }
-  return bytes;
+  return data;
 }
 
 inline const unsigned char* bytes(const std::string& text) {
   return reinterpret_cast<const unsigned char*>(text.data());
 }
-
 inline unsigned char* bytes(std::string& text) {
   return reinterpret_cast<unsigned char*>(&text[0]);
 }
 
+inline int length(const std::string& text) { return static_cast<int>(text.size()); }
+
 // What libcrypto makes of `in` with the cipher of that name; "refused" when it refuses.
-inline std::string judge(const char* cipher_name, bool encrypting, bool padding,
+inline std::string judge(const std::string& cipher_name, bool encrypting, bool padding,
                          const std::string& key, const std::string& iv, const std::string& in) {
   ERR_set_mark();
-  EVP_CIPHER* cipher = EVP_CIPHER_fetch(nullptr, cipher_name, nullptr);
+  EVP_CIPHER* cipher = EVP_CIPHER_fetch(nullptr, cipher_name.c_str(), nullptr);
   EVP_CIPHER_CTX* ctx = EVP_CIPHER_CTX_new();
   std::string out(in.size() + 32, '\0');
-  auto* at = reinterpret_cast<unsigned char*>(&out[0]);
   int updated = 0, finished = 0;
   const bool accepted =
       EVP_CipherInit_ex2(ctx, cipher, bytes(key), bytes(iv), encrypting, nullptr) == 1 &&
       EVP_CIPHER_CTX_set_padding(ctx, padding) == 1 &&
-      EVP_CipherUpdate(ctx, at, &updated, bytes(in), static_cast<int>(in.size())) == 1 &&
-      EVP_CipherFinal_ex(ctx, at + updated, &finished) == 1;
+      EVP_CipherUpdate(ctx, bytes(out), &updated, bytes(in), length(in)) == 1 &&
+      EVP_CipherFinal_ex(ctx, bytes(out) + updated, &finished) == 1;
   EVP_CIPHER_CTX_free(ctx);
   EVP_CIPHER_free(cipher);
   ERR_pop_to_mark();
@@ -61,10 +57,18 @@ inline std::string judge(const char* cipher_name, bool encrypting, bool padding,
   return accepted ? out : "refused";
 }
 
-inline std::string sha256_hex(const void* data, size_t size) {
-  unsigned char digest[32];
-  EVP_Digest(data, size, digest, nullptr, EVP_sha256(), nullptr);
-  return to_hex(digest, sizeof digest);
+inline std::string sha256_hex(const std::string& data) {
+  std::string digest(32, '\0');
+  EVP_Digest(data.data(), data.size(), bytes(digest), nullptr, EVP_sha256(), nullptr);
+  return to_hex(digest);
+}
+
+inline std::string pbkdf2(const std::string& pass, const std::string& salt, int iterations,
+                          int size) {
+  std::string key(static_cast<size_t>(size), '\0');
+  PKCS5_PBKDF2_HMAC(pass.data(), length(pass), bytes(salt), length(salt), iterations, EVP_sha256(),
+                    size, bytes(key));
+  return key;
 }
 
 // Puts an entry of the host on the error queue and expects it to be alone there at the end.

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "fuzz/json_model.h"
+#include "json/sample_documents.h"
 #include "json/tree_text.h"
 #include "support/allocation.h"
 #include "support/guarded.h"
@@ -17,6 +18,7 @@
 namespace {
 
 using plx_test::AllocationFault;
+using plx_test::container;
 using plx_test::Guarded;
 using plx_test::Model;
 using plx_test::tree_text;
@@ -77,16 +79,6 @@ std::vector<Document> documents() {
   return all;
 }
 
-// {"k0":v,"k1":v,...} or [v,v,...]
-std::string container(size_t count, const std::string& value, bool is_object) {
-  std::string out(1, is_object ? '{' : '[');
-  for (size_t i = 0; i < count; ++i) {
-    if (is_object) out += "\"k" + std::to_string(i) + "\":";
-    out += value + (i + 1 < count ? "," : "");
-  }
-  return out + (is_object ? '}' : ']');
-}
-
 TEST(JsonParser, Documents) {
   for (const Document& document : documents()) {
     SCOPED_TRACE(document.name);
@@ -131,7 +123,7 @@ TEST(JsonParser, StopsAtTheClosingBracket) {
 
 TEST(JsonParser, EntriesOfOneContainer) {
   for (bool is_object : {false, true}) {
-    for (size_t count : {7, 8, 9, 15, 16, 95, 96, 97, 240, 479, 480, 481, 2000}) {
+    for (size_t count : {7, 8, 9, 15, 16, 240, 479, 480, 481, 2000}) {
       std::string text = container(count, "\"x\"", is_object);
       expect_as_modelled(text);
       EXPECT_EQ(count <= 480, parse(text).tree != "-");
@@ -178,8 +170,11 @@ TEST(JsonParser, DuplicateAmongManyNames) {
 TEST(JsonParser, ShortMemory) {
   const plx_test::LeaksExpected leaks;
   std::vector<Document> all = documents();
-  all.push_back({"object that grows", container(100, "x", true), ""});
-  all.push_back({"array that grows", container(100, "x", false), ""});
+  for (bool is_object : {false, true}) {
+    std::string text = container(400, "x", true);
+    text.insert(text.size() - 1, ",in:" + container(200, "x", is_object));
+    all.push_back({is_object ? "object that grows" : "array that grows", text, ""});
+  }
   for (const Document& document : all) {
     for (bool all_later : {false, true}) {
       const bool accepted = Model(document.text).accepted();

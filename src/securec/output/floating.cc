@@ -40,11 +40,6 @@ constexpr bool is_ascii(char c) { return static_cast<unsigned char>(c) < 0x80; }
 constexpr bool is_fixed(char letter) { return letter == 'f' || letter == 'F'; }
 constexpr bool is_general(char letter) { return letter == 'g' || letter == 'G'; }
 
-int effective_precision(const Conversion& conversion) {
-  if (!conversion.has_precision()) return kDefaultPrecision;
-  return conversion.precision == 0 && is_general(conversion.letter) ? 1 : conversion.precision;
-}
-
 // The conversion anew, from what was understood of it. The field's width is our own affair, so a
 // wide one costs the platform nothing.
 struct PlatformFormat {
@@ -100,7 +95,7 @@ char* FloatText::reserve(size_t size) {
 template <typename Float>
 bool FloatText::format_value(const Conversion& conversion, Float value, FloatField* field) {
   using Limits = FloatLimits<Float>;
-  const int precision = effective_precision(conversion);
+  const int precision = conversion.has_precision() ? conversion.precision : kDefaultPrecision;
   if (precision > INT_MAX - Limits::kFrame) return false;
   // Digits beyond those that the value has are zeros. The platform takes seconds for many of them,
   // and memory for each; we take neither.

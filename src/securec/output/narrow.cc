@@ -19,7 +19,7 @@ int format_text_list(char* dst, size_t dst_size, size_t count, const char* forma
     return refuse(dst, dst_size);
   }
   const bool may_cut = count < dst_size;
-  const int result = format_bounded(dst, may_cut ? count + 1 : dst_size, format, args);
+  const int result = vsnprintf_helper(dst, may_cut ? count + 1 : dst_size, format, args);
   // Callers depend on a terminator at the very end, whatever the length of the text, when the
   // count sets no limit, and on getting the cut text, here and nowhere else, when it does.
   if (!may_cut) dst[dst_size - 1] = 0;

@@ -57,7 +57,7 @@ class Pen {
     return true;
   }
 
-  bool write_repeated(char c, size_t count) {
+  bool write_multi_char(char c, size_t count) {
     fill_block(advance(count), c, count);
     return true;
   }
@@ -104,7 +104,7 @@ class Writer {
     return pen;
   }
 
-  bool write_run(const Char* text, size_t count) {
+  bool write_string(const Char* text, size_t count) {
     const size_t fitting = std::min(count, room_);
     const size_t writable = count_writable(text, fitting);
     copy_block(position_, text, writable);
@@ -120,7 +120,7 @@ class Writer {
     return everything(fitting, count);
   }
 
-  bool write_repeated(char c, size_t count) {
+  bool write_multi_char(char c, size_t count) {
     const size_t fitting = std::min(count, room_);
     fill_block(position_, c, fitting);
     advance(fitting);
@@ -131,6 +131,13 @@ class Writer {
     char text[kMaxDigits];
     digits.write(text + count);
     return write_ascii(text, count);
+  }
+
+  // Takes no account of it: the terminator is not part of the text.
+  bool put_ending_zero() {
+    if (room_ == 0) return false;
+    *position_ = 0;
+    return true;
   }
 
  private:

@@ -51,7 +51,7 @@ class MultibyteReader {
 
 }  // namespace
 
-size_t narrow_character(wchar_t c, char (&bytes)[kMaxCharacterSize]) {
+size_t wctomb_fresh(wchar_t c, char (&bytes)[kMaxCharacterSize]) {
   if (is_ascii(c)) {
     bytes[0] = static_cast<char>(c);
     return 1;
@@ -62,7 +62,7 @@ size_t narrow_character(wchar_t c, char (&bytes)[kMaxCharacterSize]) {
   return size != kFailed ? size : 0;
 }
 
-bool widen_byte(unsigned char byte, wchar_t* out) {
+bool mbtowc_fresh(unsigned char byte, wchar_t* out) {
   const KeepErrno keep;
   mbstate_t state = {};
   const char text = static_cast<char>(byte);
@@ -85,8 +85,8 @@ size_t count_characters(const char* text, size_t max) {
 bool write_converted(Writer<char>* out, const wchar_t* text, size_t max) {
   for (; max > 0 && *text != 0; --max, ++text) {
     char bytes[kMaxCharacterSize];
-    const size_t size = narrow_character(*text, bytes);
-    if (size == 0 || !out->write_run(bytes, size)) return false;
+    const size_t size = wctomb_fresh(*text, bytes);
+    if (size == 0 || !out->write_string(bytes, size)) return false;
   }
   return true;
 }
@@ -101,7 +101,7 @@ bool write_converted(Writer<wchar_t>* out, const char* text, size_t max) {
     max -= run;
     if (max == 0 || reader.at_end()) return true;
     wchar_t c;
-    if (!reader.read(&c) || !out->write_run(&c, 1)) return false;
+    if (!reader.read(&c) || !out->write_string(&c, 1)) return false;
   }
 }
 

@@ -17,10 +17,10 @@ namespace plx::securec {
 constexpr size_t kMaxCharacterSize = MB_LEN_MAX;
 
 // Bytes of one wide character, written to `bytes`; 0 when it has none.
-size_t narrow_character(wchar_t c, char (&bytes)[kMaxCharacterSize]);
+size_t wctomb_fresh(wchar_t c, char (&bytes)[kMaxCharacterSize]);
 
 // The wide character of a single byte, false when it has none.
-bool widen_byte(unsigned char byte, wchar_t* out);
+bool mbtowc_fresh(unsigned char byte, wchar_t* out);
 
 // Characters of `text`, at most `max`. Those behind one that does not convert are not counted.
 size_t count_characters(const char* text, size_t max);

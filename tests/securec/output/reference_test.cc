@@ -140,8 +140,8 @@ TYPED_TEST(Reference, Pointers) {
     if (field.has('0') && !field.has('-')) {
       theirs.size.precision = std::max(theirs.size.precision, field.size.width - 2);
     }
-    this->compare(field, "p", std::vector<void*>{&theirs}, theirs, "lx",
-                  std::vector<unsigned long>{reinterpret_cast<unsigned long>(&theirs)});
+    this->compare(field, "p", std::vector<void*>{reinterpret_cast<void*>(0xbeef)}, theirs, "lx",
+                  std::vector<unsigned long>{0xbeef});
     // A null pointer is a text that no precision cuts.
     theirs.size.precision = -1;
     this->compare(field, "p", std::vector<void*>{nullptr}, theirs, "s",
@@ -218,7 +218,7 @@ TYPED_TEST(Reference, OddFormats) {
   this->compare("%hlld %lllx", "%lld %llx", large, large);
   this->compare("%Id %td %Ix", "%zd %zd %zx", ptrdiff_t{-5}, ptrdiff_t{-6}, size_t{7});
   this->compare("%I32d %wd %Nd %Zd", "%d %d %d %d", 1, -2, 3, -4);
-  this->compare("%I64I32d %lI32d %hhhd %lhd", "%d %d %hhd %hd", -1, 2, 300, 70000);
+  this->compare("%I64I32d %lI32d %hhhd %lhd", "%d %d %hhd %hd", -1, -2, 300, 70000);
   this->compare("%lI32s", "%ls", L"wide");
   // 'll' and 'L' are no marks of wide text.
   this->compare("%lls %Ls %hhs", "%s %s %s", "a", "b", "c");
