@@ -30,7 +30,7 @@ class Failure(Exception):
 
 def run(command, **keys):
     done = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True,
-                          timeout=120, **keys)
+                          timeout=600, **keys)
     if done.returncode != 0:
         raise Failure("%s\n%s" % (command if isinstance(command, str) else " ".join(command),
                                   done.stdout))

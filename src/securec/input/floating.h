@@ -71,7 +71,11 @@ class NumberCollector {
   }
 
   bool collect_point() {
+#ifdef __ANDROID__  // has one locale's point, and nl_langinfo only since Android 8
+    const char* point = ".";
+#else
     const char* point = nl_langinfo(RADIXCHAR);
+#endif
     if (!accept_point(field_, point)) return false;
     put(point);
     return true;

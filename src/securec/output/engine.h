@@ -24,7 +24,11 @@ inline const char* find_percent(const char* text) {
   for (int i = 0; i < 4; ++i, ++text) {
     if (*text == 0 || *text == '%') return text;
   }
+#ifdef __ANDROID__  // has strchrnul only since Android 7
+  return text + strcspn(text, "%");
+#else
   return strchrnul(text, '%');
+#endif
 }
 inline const wchar_t* find_percent(const wchar_t* text) {
   while (*text != 0 && *text != L'%') ++text;
