@@ -1,5 +1,8 @@
 // Runs a fuzz target over files and folders of inputs, so that the corpus is a test with any
 // compiler and on any machine.
+// Folders of a 64-bit machine have numbers that a 32-bit program must be ready for.
+#define _FILE_OFFSET_BITS 64
+
 #include <dirent.h>
 #include <stddef.h>
 #include <stdint.h>
