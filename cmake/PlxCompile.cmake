@@ -30,8 +30,14 @@ target_compile_options(plx_library_options INTERFACE
   -fstack-protector-strong -fstack-clash-protection)
 if(CMAKE_BUILD_TYPE MATCHES "Rel" AND NOT PLX_SANITIZE)
   target_compile_definitions(plx_library_options INTERFACE _FORTIFY_SOURCE=2)
+  # No path of the building machine stays in what is released, so that two builds of one commit
+  # are the same bytes. Of two mappings that match the compilers take the last: the build folder
+  # usually lies inside the source folder.
+  add_compile_options(-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.
+                      -ffile-prefix-map=${PROJECT_BINARY_DIR}=./build)
 endif()
-if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang" AND CMAKE_SYSTEM_PROCESSOR MATCHES "^arm")
+# clang has stack-clash protection for x86 alone of our machines.
+if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang" AND NOT CMAKE_SYSTEM_PROCESSOR MATCHES "86")
   target_compile_options(plx_library_options INTERFACE -Wno-unused-command-line-argument)
 endif()
 

@@ -31,7 +31,10 @@ endfunction()
 # plx_add_host_test(name source...) makes one that links the shared library, as a host does.
 function(plx_add_host_test name)
   add_executable(${name} ${ARGN})
+  target_compile_definitions(${name} PRIVATE PLX_NO_CALLER_CHECKS)
   target_link_libraries(${name} PRIVATE plxutility GTest::gtest_main plx_warnings)
+  # The debugging twin is tried in front of each of them.
+  set_property(GLOBAL APPEND PROPERTY PLX_HOST_TESTS ${name})
   gtest_discover_tests(${name} TEST_PREFIX "${name}." DISCOVERY_TIMEOUT 60
                        PROPERTIES TIMEOUT 300)
 endfunction()

@@ -38,8 +38,9 @@ install_packages() {
     "${missing[@]}" >/dev/null || die "could not install: ${missing[*]}"
 }
 
-build_packages=(g++ cmake ninja-build libssl-dev libcli11-dev libfmt-dev)
-test_packages=(clang libclang-rt-14-dev libgtest-dev googletest openssl binutils
+build_packages=(g++ cmake ninja-build libssl-dev libcli11-dev libfmt-dev scdoc)
+test_packages=(python3 pkg-config clang libclang-rt-14-dev libgtest-dev googletest openssl binutils
+  xxd parallel time
   g++-arm-linux-gnueabihf qemu-user-static)
 
 # The compiler cache is used where it is, and not asked for where it is not.
@@ -58,4 +59,36 @@ build_preset() {
     die "preset $1 does not build"
   fi
   rm -f "$log"
+}
+
+# unpack_packages ARCHITECTURE TARGET NAME...: unpacks Debian packages of any architecture into a
+# folder. The machine's own packages and package lists stay as they are. Nothing is asked of the
+# network when the folder holds just these already.
+unpack_packages() {
+  local architecture=$1 target=$2 work package
+  shift 2
+  [ "$(cat "$target/.unpacked" 2>/dev/null)" = "$*" ] && return
+  say "unpacking for $architecture: $*"
+  work=$(mktemp -d)
+  mkdir -p "$work/lists/partial" "$work/packages" "$target"
+  local apt=(apt-get -qq "-oAPT::Architecture=$architecture" "-oAPT::Architectures=$architecture"
+    "-oDir::State::Lists=$work/lists" -oAPT::Sandbox::User=root)
+  # A failed index is reported and does no harm as long as the packages are found.
+  "${apt[@]}" update >"$work/log" 2>&1 || true
+  (cd "$work/packages" && "${apt[@]}" download "$@" >>"$work/log" 2>&1) || {
+    cat "$work/log" >&2
+    rm -rf "$work"
+    die "could not fetch the $architecture packages: $*"
+  }
+  for package in "$work"/packages/*.deb; do
+    dpkg -x "$package" "$target"
+  done
+  printf '%s' "$*" >"$target/.unpacked"
+  rm -rf "$work"
+}
+
+# figure NAME VALUE: a figure for the table of scripts/verify.
+figure() {
+  printf '%s: %s\n' "$1" "$2"
+  [ -z "${PLX_FIGURES:-}" ] || printf '%s\t%s\n' "$1" "$2" >>"$PLX_FIGURES"
 }

@@ -2,6 +2,7 @@
 #ifndef PLX_EXPORT_H
 #define PLX_EXPORT_H
 
+#include <plx/caller_checks.h>
 #include <plx/version.h>
 
 #define PLX_API __attribute__((visibility("default")))

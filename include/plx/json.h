@@ -57,7 +57,7 @@ enum {
 /* One node of the tree. */
 typedef struct PLX_JsonValue {
   uint32_t type; /* PLX_JSON_STRING, PLX_JSON_OBJECT or PLX_JSON_ARRAY */
-  void* data;
+  void* data;    /* as the kind says */
 } PLX_JsonValue;
 
 /* The body of an object: its members in the order of the text. Names are unique. */
@@ -82,7 +82,7 @@ typedef struct PLX_JsonArray {
  * read, nor any behind the bracket that closes the root. A failed parse releases what it had
  * built, with one exception: when an array has no room for one more element (the 481st, or memory
  * is short), that element's record is released, but what hangs below it is lost. */
-PLX_API PLX_JsonValue* PLX_ParseJsonString(const char* text);
+PLX_API PLX_JsonValue* PLX_ParseJsonString(const char* text) PLX_CHECK_RESULT;
 
 /* PLX_FreeJsonValue releases `value` and everything below it. Null is ignored. Only the root of a
  * tree may be given. */
@@ -132,7 +132,8 @@ PLX_API PLX_JsonArray* PLX_FindArrayFromJsonValue(const PLX_JsonValue* value, co
  * `*out` and returns 0, or returns -1, with `*out` untouched, when there is no such member or its
  * value is no string. The text is converted by strtod and not checked: "abc" stores 0.0 and
  * returns 0. `out` must not be null. */
-PLX_API int PLX_FindNumberFromJsonValue(const PLX_JsonValue* value, const char* name, double* out);
+PLX_API int PLX_FindNumberFromJsonValue(const PLX_JsonValue* value, const char* name,
+                                        double* out) PLX_CHECK_RESULT;
 
 /* ---- Conversion of one value ---------------------------------------------------------------- */
 

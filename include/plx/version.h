@@ -2,6 +2,7 @@
 #ifndef PLX_VERSION_H
 #define PLX_VERSION_H
 
+/* PLX_VERSION_MAJOR, _MINOR and _PATCH are the version's numbers. */
 #define PLX_VERSION_MAJOR 1
 #define PLX_VERSION_MINOR 0
 #define PLX_VERSION_PATCH 0

@@ -3,6 +3,7 @@
 #include <plx/container.h>
 #include <stdlib.h>
 #include <string.h>
+#include <unistd.h>
 
 #include "securec/limits.h"
 
@@ -46,6 +47,14 @@ int PLX_posix_memalign(void** out, size_t alignment, size_t size) {
   return posix_memalign(out, alignment, size);
 }
 
-void* PLX_valloc(size_t size) { return valloc(size); }
+void* PLX_valloc(size_t size) {
+#ifdef __ANDROID__  // has no valloc in its headers, and on 64-bit boxes none in its library
+  void* block = nullptr;
+  return posix_memalign(&block, static_cast<size_t>(sysconf(_SC_PAGESIZE)), size) == 0 ? block
+                                                                                       : nullptr;
+#else
+  return valloc(size);
+#endif
+}
 
 }  // extern "C"

@@ -3,6 +3,7 @@
 #define PLX_SRC_INTERNAL_CHECKED_SIZE_H
 
 #include <stddef.h>
+#include <stdint.h>
 
 namespace plx {
 
@@ -19,6 +20,13 @@ inline bool checked_multiply(size_t a, size_t b, size_t* out) {
   if (__builtin_mul_overflow(a, b, &product)) return false;
   *out = product;
   return true;
+}
+
+// For a size that goes to an allocator: a product that does not fit becomes the largest size_t,
+// which every allocator refuses.
+inline size_t saturating_multiply(size_t a, size_t b) {
+  size_t product;
+  return checked_multiply(a, b, &product) ? product : SIZE_MAX;
 }
 
 }  // namespace plx

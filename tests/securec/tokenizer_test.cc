@@ -1,10 +1,9 @@
 #include <gtest/gtest.h>
 #include <plx/securec.h>
-#include <stdio.h>
-#include <unistd.h>
 
 #include <string>
-#include <vector>
+
+#include "support/standard_input.h"
 
 namespace {
 
@@ -64,31 +63,8 @@ TEST(Tokenizer, NullArgumentsChangeNothing) {
   EXPECT_STREQ("a,b", text);
 }
 
-// Puts `text` on standard input for as long as it lives.
-class StandardInput {
- public:
-  explicit StandardInput(const char* text) : saved_(dup(0)) {
-    file_ = tmpfile();
-    fputs(text, file_);
-    rewind(file_);
-    dup2(fileno(file_), 0);
-    clearerr(stdin);
-    fflush(stdin);
-  }
-  ~StandardInput() {
-    dup2(saved_, 0);
-    close(saved_);
-    fclose(file_);
-    setvbuf(stdin, nullptr, _IOFBF, BUFSIZ);
-  }
-
- private:
-  int saved_;
-  FILE* file_;
-};
-
 TEST(Line, StripsTheEndAndLeavesTheRestUnread) {
-  StandardInput input("line\r\n\nabcdef\nz\r\r\n");
+  plx_test::StandardInput input("line\r\n\nabcdef\nz\r\r\n");
   char buffer[16];
   EXPECT_EQ(nullptr, gets_s(nullptr, 16));
   EXPECT_EQ(nullptr, gets_s(buffer, 0));

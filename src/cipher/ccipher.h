@@ -1,0 +1,14 @@
+// What CCipher offers, as the rest of the family calls it. Base64 stands in evp_base64.h, sealed
+// blobs in sealed.h.
+#ifndef PLX_SRC_CIPHER_CCIPHER_H
+#define PLX_SRC_CIPHER_CCIPHER_H
+
+namespace plx::cipher {
+
+// Contract of CCipher::deriveKey in plx/cipher.h.
+bool derive_key(const unsigned char* pass, int pass_len, const unsigned char* salt, int salt_len,
+                int iterations, int key_len, unsigned char* out);
+
+}  // namespace plx::cipher
+
+#endif

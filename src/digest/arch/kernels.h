@@ -1,0 +1,67 @@
+// The kernels of this family: each primitive's variants for instruction sets, best first. What
+// chooses, tests, fuzzes or measures them walks these lists.
+#ifndef PLX_SRC_DIGEST_ARCH_KERNELS_H
+#define PLX_SRC_DIGEST_ARCH_KERNELS_H
+
+#include "digest/base64_groups.h"
+#include "internal/cpu.h"
+
+namespace plx::digest {
+
+struct Kernel {
+  char name[16];
+  uint32_t features;  // that the processor must have
+
+  bool supported() const { return cpu::has(features); }
+};
+
+template <typename T>
+struct KernelList {
+  const T* first;
+  size_t count;
+
+  const T* begin() const { return first; }
+  const T* end() const { return first + count; }
+};
+
+// The compression function of SHA-256 over whole blocks. The last two are the portable ones of the
+// two families; each family falls back to its own.
+using Sha256Blocks = void (*)(uint32_t* state, const uint8_t* data, size_t num_blocks);
+struct Sha256Kernel : Kernel {
+  Sha256Blocks blocks;
+};
+extern const KernelList<Sha256Kernel> kSha256Kernels;
+// What the processor has in hardware, else the caller's own.
+Sha256Blocks sha256_blocks_or(Sha256Blocks portable);
+
+// Base64 by whole groups, as base64_groups.h has it, save that a kernel takes only as many groups
+// as suit it and leaves the rest, and that kRefused may stand for a text with a character that is
+// no digit. What a kernel has decoded may be overwritten text when it refuses.
+constexpr size_t kRefused = static_cast<size_t>(-1);
+struct Base64Kernel : Kernel {
+  size_t (*encode_groups)(const Base64Alphabet& alphabet, char* out, const uint8_t* in,
+                          size_t num_groups);
+  size_t (*decode_groups)(const Base64Alphabet& alphabet, uint8_t* out, const char* in,
+                          size_t num_groups);
+};
+extern const KernelList<Base64Kernel> kBase64Kernels;
+
+// DES over whole blocks, as des.h has it. Worth its while from `min_blocks` on; any number works.
+struct DesKernel : Kernel {
+  size_t min_blocks;
+  void (*blocks)(const uint32_t* subkeys, int num_passes, uint8_t* out, const uint8_t* in,
+                 size_t num_blocks);
+};
+extern const KernelList<DesKernel> kDesKernels;
+
+// The first of a list that the processor can run.
+template <typename T>
+const T& first_supported(const KernelList<T>& kernels) {
+  const T* kernel = kernels.first;
+  while (!kernel->supported()) ++kernel;  // the last one needs nothing
+  return *kernel;
+}
+
+}  // namespace plx::digest
+
+#endif

@@ -1,0 +1,75 @@
+#include <gtest/gtest.h>
+#include <limits.h>
+#include <plx/key_store.h>
+#include <string.h>
+
+#include <string>
+
+#include "cipher/byte_dump.h"
+#include "support/allocation.h"
+
+namespace {
+
+TEST(CipherHelpers, Dump) {
+  struct Row {
+    const char* title;
+    std::string data;
+    int len;
+    size_t size;
+    const char* text;
+  };
+  const std::string three("\x0A\x00\xFF", 3);
+  const Row rows[] = {
+      {"key", three, 3, 1024, "key[0A 00 FF]"},
+      {"key", three, 1, 1024, "key[0A]"},
+      {"", three, 3, 1024, "[0A 00 FF]"},
+      {"key", three, 0, 1024, "key[]"},
+      {"key", three, INT_MIN, 1024, "key[]"},
+      {"key", three, 3, 14, "key[0A 00 FF]"},
+      {"key", three, 3, 13, ""},  // a dump that does not fit leaves nothing
+      {"key", three, INT_MAX, 12, ""},
+      {"title", three, 3, 6, ""},
+      {"titles", three, 3, 6, ""},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(testing::Message() << row.title << " " << row.len << " " << row.size);
+    std::string text(1024, '.');
+    plx::cipher::format_dump(&text[0], row.size, row.title,
+                             reinterpret_cast<const unsigned char*>(row.data.data()), row.len);
+    EXPECT_STREQ(row.text, text.c_str());
+    EXPECT_EQ(std::string(1024 - row.size, '.'), text.substr(row.size));
+  }
+}
+
+TEST(CipherHelpers, DumpIsSilent) {
+  const unsigned char data[] = {1, 2, 3};
+  const auto print = [&](const plx_test::AllocationFault&) {
+    printUnsignedCharArray("key", data, 3);
+    printUnsignedCharArray(nullptr, data, 3);
+    printUnsignedCharArray("key", nullptr, 3);
+  };
+  long leaked = 0;
+  testing::internal::CaptureStdout();
+  EXPECT_EQ(1u, plx_test::fail_each_allocation(print, &leaked));
+  EXPECT_EQ("", testing::internal::GetCapturedStdout());
+  EXPECT_EQ(0, leaked);
+}
+
+TEST(CipherHelpers, LineFeedsAndUnderscores) {
+  const std::string text = "a\nb__\n\nc";
+  for (int len : {INT_MIN, -1, 0, 1, 2, 5, 8}) {
+    std::string marked = text, restored = text;
+    convertEOLToUnderscode(&marked[0], len);
+    convertUnderscodeToEOL(&restored[0], len);
+    for (int i = 0; i < 8; ++i) {
+      const auto at = static_cast<size_t>(i);
+      EXPECT_EQ(i < len && text[at] == '\n' ? '_' : text[at], marked[at]) << len << " " << i;
+      EXPECT_EQ(i < len && text[at] == '_' ? '\n' : text[at], restored[at]) << len << " " << i;
+    }
+  }
+  convertEOLToUnderscode(nullptr, 4);
+  convertUnderscodeToEOL(nullptr, 4);
+  deleteArrayPoint_s(nullptr);
+}
+
+}  // namespace

@@ -1,0 +1,274 @@
+#include <gtest/gtest.h>
+#include <limits.h>
+#include <plx/container.h>
+
+#include <algorithm>
+#include <random>
+#include <vector>
+
+#include "support/allocation.h"
+
+namespace {
+
+std::vector<void*> released;
+void record_release(void* element) { released.push_back(element); }
+
+int compare_ints(const void* a, const void* b) {
+  return *static_cast<const int*>(a) == *static_cast<const int*>(b) ? 0 : 1;
+}
+
+// The array as one would write it without a thought for speed: all slots, and what they release.
+struct Model {
+  std::vector<void*> slots;
+  int count = 0;
+  std::vector<void*> released;
+
+  void grow(int needed) {
+    if (needed <= static_cast<int>(slots.size())) return;
+    slots.resize(count);
+    slots.resize((needed + 15) / 16 * 16);
+  }
+  void release(int i) {
+    if (slots[i] != nullptr) released.push_back(slots[i]);
+    slots[i] = nullptr;
+  }
+  void insert(void* element, int at) {
+    grow(count + 1);
+    at = std::clamp(at, 0, count);
+    for (int i = count++; i > at; --i) slots[i] = slots[i - 1];
+    slots[at] = element;
+  }
+  void modify(int i, void* element) {
+    grow(i + 1);
+    release(i);
+    slots[i] = element;
+  }
+  void remove(int i) {
+    slots[i] = nullptr;
+    for (; i + 1 < count; ++i) slots[i] = slots[i + 1];
+    --count;
+  }
+  void move(int from, int to) {
+    from = std::min(from, count - 1), to = std::min(to, count - 1);
+    for (; from < to; ++from) std::swap(slots[from], slots[from + 1]);
+    for (; from > to; --from) std::swap(slots[from], slots[from - 1]);
+  }
+  int find(int key) const {
+    for (int i = 0; i < count; ++i) {
+      if (slots[i] != nullptr && *static_cast<int*>(slots[i]) == key) return i;
+    }
+    return -1;
+  }
+};
+
+TEST(Array, LongRunsAgreeWithTheModel) {
+  int pool[40];
+  for (int i = 0; i < 40; ++i) pool[i] = i / 2;
+  std::mt19937 random(3);
+  const auto below = [&](int n) { return static_cast<int>(random() % static_cast<unsigned>(n)); };
+  PLX_array* array = PLX_array_create(record_release);
+  Model model;
+  released.clear();
+  for (int round = 0; round < 60000; ++round) {
+    void* const element = below(5) == 0 ? nullptr : &pool[below(40)];
+    const int extreme[] = {INT_MIN, -1, INT_MAX, model.count, model.count + 1};
+    const int index = below(4) == 0 ? extreme[below(5)] : below(model.count + 1);
+    const int other = below(8) == 0 ? INT_MAX : below(model.count + 1);
+    const bool inside = index >= 0 && index < model.count;
+    switch (below(12)) {
+      case 0:
+      case 1:
+        ASSERT_EQ(0, PLX_array_append(array, element));
+        model.insert(element, INT_MAX);
+        break;
+      case 2:
+        ASSERT_EQ(0, PLX_array_insert(array, element, index));
+        model.insert(element, index);
+        break;
+      case 3: {
+        const bool valid = element != nullptr && index >= 0 && index <= model.count;
+        ASSERT_EQ(valid ? 0 : -1, PLX_array_modify(array, index, element));
+        if (valid) model.modify(index, element);
+        break;
+      }
+      case 4:
+        PLX_array_delete(array, index);
+        if (inside) model.release(index), model.remove(index);
+        break;
+      case 5:
+        PLX_array_deleteWithoutClean(array, index);
+        if (inside) model.remove(index);
+        break;
+      case 6:
+        ASSERT_EQ(index < 0 ? -1 : 0, PLX_array_move(array, index, other));
+        ASSERT_EQ(-1, PLX_array_move(array, other, -1));
+        if (index >= 0) model.move(index, other);
+        break;
+      case 7:
+        ASSERT_EQ(model.find(index), PLX_array_find(array, &index, compare_ints));
+        break;
+      case 8:
+        ASSERT_EQ(inside ? model.slots[index] : nullptr, PLX_array_getIndex(array, index));
+        break;
+      case 9:
+        ASSERT_EQ(0, PLX_array_preAppend(array, index == INT_MAX ? 3 : index));
+        if (index > 0) model.grow(model.count + (index == INT_MAX ? 3 : index));
+        break;
+      case 10:
+        if (!inside || other >= model.count) break;
+        PLX_array_exchangeElement(array, index, other);
+        std::swap(model.slots[index], model.slots[other]);
+        break;
+      case 11:
+        if (below(20) != 0) break;
+        PLX_array_clean(array);
+        for (int i = 0; i < model.count; ++i) model.release(i);
+        model.slots.clear(), model.count = 0;
+    }
+    ASSERT_EQ(model.count, PLX_array_getCount(array)) << round;
+    ASSERT_EQ(static_cast<int>(model.slots.size()), array->capacity) << round;
+    ASSERT_TRUE(std::equal(model.slots.begin(), model.slots.end(), array->items)) << round;
+    ASSERT_EQ(model.released.size(), released.size()) << round;
+  }
+  PLX_array_destroyWithoutClean(array);
+  EXPECT_EQ(model.released, released);
+}
+
+TEST(Array, CopiesShareTheirElements) {
+  int values[20] = {};
+  PLX_array* array = PLX_array_create(record_release);
+  EXPECT_EQ(nullptr, PLX_array_createFromArray(array));
+  for (int& value : values) PLX_array_append(array, &value);
+  PLX_array* copy = PLX_array_createFromArray(array);
+  ASSERT_NE(nullptr, copy);
+  EXPECT_EQ(20, copy->count);
+  EXPECT_EQ(20, copy->capacity);  // not 32: callers depend on it
+  EXPECT_EQ(record_release, copy->cleanFn);
+  EXPECT_EQ(0, memcmp(copy->items, array->items, 20 * sizeof(void*)));
+  ASSERT_EQ(0, PLX_array_append(copy, values));
+  EXPECT_EQ(32, copy->capacity);
+  EXPECT_EQ(values, copy->items[20]);
+  EXPECT_EQ(nullptr, copy->items[31]);
+  PLX_array_destroyWithoutClean(copy);
+  PLX_array_destroyWithoutClean(array);
+}
+
+TEST(Array, ReleasesWithPlxFreeByDefault) {
+  plx_test::AllocationFault count;
+  PLX_array* array = PLX_array_create(nullptr);
+  for (int i = 0; i < 3; ++i) PLX_array_append(array, PLX_malloc(8));
+  PLX_array_append(array, nullptr);
+  PLX_array_delete(array, 1);
+  PLX_array_modify(array, 0, PLX_malloc(8));
+  PLX_array_destroy(array);
+  EXPECT_EQ(0, count.live_blocks());
+}
+
+PLX_array* watched;
+
+TEST(Array, ReleasesInOrderAndForgets) {
+  int values[3];
+  watched = PLX_array_create([](void* element) {
+    int i = 0;
+    while (watched->items[i] == nullptr) ++i;  // those released before are gone
+    EXPECT_EQ(watched->items[i], element);
+  });
+  for (int& value : values) PLX_array_append(watched, &value);
+  PLX_array_destroy(watched);
+}
+
+TEST(Array, NullIsRefused) {
+  int value = 1;
+  PLX_array* array = PLX_array_create(nullptr);
+  EXPECT_EQ(-1, PLX_array_getCount(nullptr));
+  EXPECT_EQ(-1, PLX_array_append(nullptr, &value));
+  EXPECT_EQ(-1, PLX_array_insert(nullptr, &value, 0));
+  EXPECT_EQ(-1, PLX_array_modify(nullptr, 0, &value));
+  EXPECT_EQ(-1, PLX_array_preAppend(nullptr, 1));
+  EXPECT_EQ(-1, PLX_array_move(nullptr, 0, 0));
+  EXPECT_EQ(-1, PLX_array_find(nullptr, &value, compare_ints));
+  EXPECT_EQ(-1, PLX_array_find(array, nullptr, compare_ints));
+  EXPECT_EQ(-1, PLX_array_find(array, &value, nullptr));
+  EXPECT_EQ(nullptr, PLX_array_getIndex(nullptr, 0));
+  EXPECT_EQ(nullptr, PLX_array_createFromArray(nullptr));
+  EXPECT_EQ(nullptr, PLX_array_createFromHashTable(nullptr, nullptr));
+  PLX_array_sort(nullptr, compare_ints);
+  PLX_array_sort(array, nullptr);
+  PLX_array_delete(nullptr, 0);
+  PLX_array_deleteWithoutClean(nullptr, 0);
+  PLX_array_clean(nullptr);
+  PLX_array_destroy(nullptr);
+  PLX_array_destroyWithoutClean(nullptr);
+  PLX_array_destroy(array);
+}
+
+// A failed growth loses the slots and keeps the count; what follows must not touch them.
+TEST(Array, FailedGrowth) {
+  int value = 7;
+  struct Growth {
+    const char* name;
+    int (*grow)(PLX_array*, void*);
+  };
+  const Growth growths[] = {
+      {"append", [](PLX_array* a, void* e) { return PLX_array_append(a, e); }},
+      {"insert", [](PLX_array* a, void* e) { return PLX_array_insert(a, e, 3); }},
+      {"modify", [](PLX_array* a, void* e) { return PLX_array_modify(a, 32, e); }},
+      {"preAppend", [](PLX_array* a, void*) { return PLX_array_preAppend(a, 1); }},
+      {"refused size", [](PLX_array* a, void*) { return PLX_array_preAppend(a, INT_MAX - 60); }},
+  };
+  for (const Growth& growth : growths) {
+    SCOPED_TRACE(growth.name);
+    plx_test::AllocationFault live;
+    PLX_array* array = PLX_array_create(record_release);
+    for (int i = 0; i < 32; ++i) PLX_array_append(array, &value);
+    EXPECT_EQ(-1, PLX_array_preAppend(array, INT_MAX));  // does not fit: nothing changes
+    EXPECT_EQ(&value, PLX_array_getIndex(array, 31));
+    {
+      plx_test::AllocationFault fail(1);
+      EXPECT_EQ(-1, growth.grow(array, &value));
+      EXPECT_EQ(-1, fail.live_blocks());
+    }
+    EXPECT_EQ(nullptr, array->items);
+    EXPECT_EQ(32, PLX_array_getCount(array));
+    EXPECT_EQ(nullptr, PLX_array_getIndex(array, 0));
+    EXPECT_EQ(-1, PLX_array_find(array, &value, compare_ints));
+    EXPECT_EQ(-1, PLX_array_move(array, 0, 1));
+    EXPECT_EQ(nullptr, PLX_array_createFromArray(array));
+    PLX_array_delete(array, 0);
+    PLX_array_deleteWithoutClean(array, 0);
+    PLX_array_sort(array, compare_ints);
+    PLX_array_clean(array);
+    EXPECT_EQ(32, PLX_array_getCount(array));
+    ASSERT_EQ(0, PLX_array_modify(array, 2, &value));  // within the old capacity, on fresh slots
+    EXPECT_EQ(32, array->capacity);
+    ASSERT_EQ(0, PLX_array_append(array, &value));
+    EXPECT_EQ(2, PLX_array_find(array, &value, compare_ints));
+    EXPECT_EQ(nullptr, array->items[31]);
+    EXPECT_EQ(&value, array->items[32]);
+    PLX_array_destroyWithoutClean(array);
+  }
+}
+
+TEST(Array, CreationUnderFailures) {
+  int value = 1;
+  PLX_array* source = PLX_array_create(nullptr);
+  PLX_array_append(source, &value);
+  PLX_hashtable* table = PLX_hashtable_create(4, PLX_intHashValue, PLX_intHashCompare, nullptr);
+  PLX_hashtable_insert(table, &value, &value);
+  long leaked = 0;
+  const size_t failures = plx_test::fail_each_allocation(
+      [&](const plx_test::AllocationFault& fault) {
+        PLX_array* copy = PLX_array_createFromArray(source);
+        PLX_array* values = PLX_array_createFromHashTable(table, nullptr);
+        EXPECT_EQ(fault.hit(), copy == nullptr || values == nullptr);
+        PLX_array_destroyWithoutClean(copy);
+        PLX_array_destroyWithoutClean(values);
+      },
+      &leaked);
+  EXPECT_EQ(4u, failures);
+  EXPECT_EQ(0, leaked);
+  PLX_hashtable_destroy(table);
+  PLX_array_destroyWithoutClean(source);
+}
+
+}  // namespace

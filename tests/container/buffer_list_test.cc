@@ -1,0 +1,147 @@
+#include <gtest/gtest.h>
+#include <limits.h>
+#include <plx/container.h>
+
+#include <deque>
+#include <random>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "support/allocation.h"
+
+namespace {
+
+PLX_bufList* create(int num_bufs, int buf_size, std::string* printed) {
+  testing::internal::CaptureStdout();
+  PLX_bufList* list = PLX_bufList_init(num_bufs, buf_size);
+  *printed = testing::internal::GetCapturedStdout();
+  return list;
+}
+
+TEST(BufferList, InitPrintsItsLine) {
+  const char kNoRecord[] = "PLX_bufList_init at 30 line,error!\n";
+  const char kNoNodes[] = "PLX_bufList_init at 38 line,error!\n";
+  const char kNoData[] = "PLX_bufList_init at 44 line\n";
+  const char kCreated[] = "PLX_bufList_init at 65 line\n";
+  struct Row {
+    int num_bufs, buf_size;
+    size_t fail_at;
+    const char* line;
+  };
+  const Row rows[] = {
+      {2, 16, 0, kCreated},      {1, 1, 0, kCreated},          {2, 16, 1, kNoRecord},
+      {2, 16, 2, kNoNodes},      {2, 16, 3, kNoData},          {0, 16, 0, kNoNodes},
+      {0, 0, 0, kNoNodes},       {-1, 16, 0, kNoNodes},        {INT_MIN, -1, 0, kNoNodes},
+      {INT_MAX, 1, 0, kNoNodes}, {0x15555556, 1, 0, kNoNodes},  // 12 times this wraps to 8
+      {4, 0, 0, kNoData},        {4, -1, 0, kNoData},          {-1, -1, 0, kNoNodes},
+      {2, INT_MIN, 0, kNoData},  {2, 0x40000000, 0, kNoData},  {65536, 65536, 0, kNoData},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(testing::Message() << row.num_bufs << " " << row.buf_size << " " << row.fail_at);
+    testing::internal::CaptureStdout();
+    PLX_bufList* list;
+    long live;
+    {
+      plx_test::AllocationFault fault(row.fail_at);
+      list = PLX_bufList_init(row.num_bufs, row.buf_size);
+      EXPECT_EQ(row.line == kCreated, list != nullptr);
+      PLX_bufList_realse(list);
+      live = fault.live_blocks();
+    }
+    EXPECT_EQ(row.line, testing::internal::GetCapturedStdout());
+    EXPECT_EQ(0, live);
+  }
+}
+
+TEST(BufferList, LongRunsAgreeWithTheModel) {
+  constexpr int kBufs = 5, kSize = 8;
+  std::string printed;
+  PLX_bufList* list = create(kBufs, kSize, &printed);
+  ASSERT_NE(nullptr, list);
+  std::vector<void*> pool;  // last in, first out
+  for (int i = kBufs; i-- > 0;) pool.push_back(list->data + i * kSize);
+  for (int i = 0; i < kBufs; ++i) {
+    EXPECT_EQ(pool[kBufs - 1 - i], list->nodes[i].buf);
+    EXPECT_EQ(kSize, list->nodes[i].len);
+    EXPECT_EQ(std::string(kSize, '\0'),
+              std::string(list->data + i * kSize, list->data + (i + 1) * kSize));
+  }
+  std::deque<std::pair<void*, int>> queue;
+  char foreign;
+  std::mt19937 random(9);
+  for (int round = 0; round < 50000; ++round) {
+    void* buf = &foreign;
+    int len = -7;
+    switch (random() % 4) {
+      case 0:
+        if (pool.empty()) {
+          ASSERT_EQ(-2, PLX_bufList_getUseableBuf(list, &buf));
+          break;
+        }
+        ASSERT_EQ(0, PLX_bufList_getUseableBuf(list, &buf));
+        ASSERT_EQ(pool.back(), buf);
+        pool.pop_back();
+        ASSERT_EQ(-3, PLX_bufList_push_back(list, buf, kSize + 1));
+        ASSERT_EQ(-3, PLX_bufList_push_back(list, buf, INT_MAX));
+        ASSERT_EQ(-1, PLX_bufList_push_back(list, nullptr, 1));
+        if (random() % 50 == 0) buf = &foreign;  // stays in the node: callers depend on it
+        len = static_cast<int>(random() % 10) - 1;
+        if (len > kSize) len = kSize;
+        ASSERT_EQ(0, PLX_bufList_push_back(list, buf, len));
+        queue.push_back({buf, len});
+        break;
+      case 1:
+      case 2: {
+        const bool pops = random() % 2 == 0;
+        const int code =
+            pops ? PLX_bufList_pop_front(list, &buf, &len) : PLX_bufList_front(list, &buf, &len);
+        ASSERT_EQ(queue.empty() ? -1 : 0, code);
+        ASSERT_EQ(queue.empty() ? &foreign : queue.front().first, buf);
+        ASSERT_EQ(queue.empty() ? -7 : queue.front().second, len);
+        if (!pops || queue.empty()) break;
+        pool.push_back(buf);
+        queue.pop_front();
+        break;
+      }
+      case 3:
+        if (random() % 10 != 0) break;
+        ASSERT_EQ(0, PLX_bufList_clearAllBufList(list));
+        for (; !queue.empty(); queue.pop_front()) pool.push_back(queue.front().first);
+    }
+    ASSERT_EQ(static_cast<int>(queue.size()), list->usedCount);
+  }
+  PLX_bufList_realse(list);
+}
+
+TEST(BufferList, RefusesNullAndEmpty) {
+  std::string printed;
+  PLX_bufList* list = create(2, 4, &printed);
+  void* buf = nullptr;
+  int len = 0;
+  EXPECT_EQ(-1, PLX_bufList_push_back(list, list->data, 1));  // no buffer was taken yet
+  EXPECT_EQ(-1, PLX_bufList_getUseableBuf(list, nullptr));
+  EXPECT_EQ(list->nodes, list->freeHead);
+  EXPECT_EQ(-1, PLX_bufList_getUseableBuf(nullptr, &buf));
+  EXPECT_EQ(-1, PLX_bufList_front(list, nullptr, nullptr));
+  ASSERT_EQ(0, PLX_bufList_getUseableBuf(list, &buf));
+  EXPECT_EQ(-1, PLX_bufList_push_back(nullptr, buf, 1));
+  ASSERT_EQ(0, PLX_bufList_push_back(list, buf, 4));
+  EXPECT_EQ(-1, PLX_bufList_pop_front(list, nullptr, &len));
+  EXPECT_EQ(-1, PLX_bufList_pop_front(list, &buf, nullptr));
+  EXPECT_EQ(-1, PLX_bufList_pop_front(nullptr, &buf, &len));
+  EXPECT_EQ(-1, PLX_bufList_front(nullptr, &buf, &len));
+  EXPECT_EQ(-1, PLX_bufList_clearAllBufList(nullptr));
+  EXPECT_EQ(0, PLX_bufList_front(list, nullptr, nullptr));
+  EXPECT_EQ(1, list->usedCount);
+  // A buffer queued again without being taken tangles the queue, and all stays within the pool.
+  ASSERT_EQ(0, PLX_bufList_push_back(list, buf, 1));
+  for (int i = 0; i < 2; ++i) ASSERT_EQ(0, PLX_bufList_pop_front(list, &buf, &len));
+  EXPECT_EQ(-1, PLX_bufList_pop_front(list, &buf, &len));  // none is counted as queued
+  EXPECT_EQ(0, PLX_bufList_clearAllBufList(list));
+  EXPECT_EQ(0, list->usedCount);
+  PLX_bufList_realse(list);
+  PLX_bufList_realse(nullptr);
+}
+
+}  // namespace

@@ -1,0 +1,92 @@
+// libcrypto, through EVP, as the judge of our own digests and ciphers; and bytes to feed both.
+#ifndef PLX_TESTS_DIGEST_JUDGE_H
+#define PLX_TESTS_DIGEST_JUDGE_H
+
+#include <openssl/evp.h>
+#include <stdint.h>
+
+#include <random>
+#include <string>
+
+#include "support/guarded.h"
+
+namespace plx_test {
+
+// Bytes travel in strings, which compare and print.
+inline const uint8_t* bytes_of(const std::string& bytes) {
+  return reinterpret_cast<const uint8_t*>(bytes.data());
+}
+
+inline std::string as_bytes(const void* data, size_t size) {
+  return std::string(static_cast<const char*>(data), size);
+}
+
+inline std::string random_bytes(size_t size) {
+  static std::mt19937 generator(20261124);
+  std::string bytes(size, '\0');
+  for (char& byte : bytes) byte = static_cast<char>(generator());
+  return bytes;
+}
+
+inline std::string hex(const std::string& bytes) {
+  std::string text;
+  for (unsigned char byte : bytes) {
+    text += "0123456789abcdef"[byte >> 4];
+    text += "0123456789abcdef"[byte & 15];
+  }
+  return text;
+}
+
+inline std::string unhex(const std::string& text) {
+  std::string bytes;
+  for (size_t i = 0; i + 1 < text.size(); i += 2) {
+    bytes += static_cast<char>(std::stoi(text.substr(i, 2), nullptr, 16));
+  }
+  return bytes;
+}
+
+inline std::string judge_digest(const char* name, const std::string& data) {
+  unsigned char out[EVP_MAX_MD_SIZE];
+  size_t size = 0;
+  EVP_Q_digest(nullptr, name, nullptr, data.data(), data.size(), out, &size);
+  return as_bytes(out, size);
+}
+
+inline std::string judge_hmac(const char* name, const std::string& key, const std::string& data) {
+  unsigned char out[EVP_MAX_MD_SIZE];
+  size_t size = 0;
+  EVP_Q_mac(nullptr, "HMAC", nullptr, name, nullptr, key.data(), key.size(), bytes_of(data),
+            data.size(), out, sizeof out, &size);
+  return as_bytes(out, size);
+}
+
+// Triple DES over whole blocks with a key of 24 bytes.
+inline std::string judge_3des(bool encrypt, const std::string& key, const std::string& blocks) {
+  EVP_CIPHER_CTX* ctx = EVP_CIPHER_CTX_new();
+  EVP_CipherInit_ex(ctx, EVP_des_ede3_ecb(), nullptr, bytes_of(key), nullptr, encrypt);
+  EVP_CIPHER_CTX_set_padding(ctx, 0);
+  std::string out(blocks.size(), '\0');
+  int size = 0;
+  EVP_CipherUpdate(ctx, reinterpret_cast<uint8_t*>(&out[0]), &size, bytes_of(blocks),
+                   static_cast<int>(blocks.size()));
+  EVP_CIPHER_CTX_free(ctx);
+  return out;
+}
+
+// Room that ends at an inaccessible page, mapped once for many uses of different sizes.
+class PageEnd {
+ public:
+  uint8_t* bytes(size_t size) { return page_.data() + page_.size() - size; }
+  char* chars(size_t size) { return reinterpret_cast<char*>(bytes(size)); }
+  uint8_t* copy(const std::string& source) {
+    if (!source.empty()) memcpy(bytes(source.size()), source.data(), source.size());
+    return bytes(source.size());
+  }
+
+ private:
+  Guarded<uint8_t> page_{1 << 17};
+};
+
+}  // namespace plx_test
+
+#endif

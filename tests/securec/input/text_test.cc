@@ -1,0 +1,163 @@
+// Characters beyond ASCII, text that changes its width, memory, the exported engines.
+#include <errno.h>
+#include <gtest/gtest.h>
+#include <locale.h>
+
+#include "securec/input/number_text.h"
+#include "securec/input/platform_faults.h"
+#include "securec/input/scan.h"
+#include "securec/input/source.h"
+#include "support/allocation.h"
+
+using namespace plx_test;
+
+namespace {
+
+class Text : public testing::Test {
+ protected:
+  Text() { EXPECT_NE(nullptr, setlocale(LC_CTYPE, "C.UTF-8")); }
+  ~Text() override { setlocale(LC_CTYPE, "C"); }
+
+  template <typename Char>
+  static std::string scan(const Char* text, const Char* format, const char* destinations) {
+    return Destinations(destinations).call(Scan<Char>::kString, text, format);
+  }
+};
+
+struct WideRow {
+  const wchar_t* text;
+  const wchar_t* format;
+  const char* destinations;
+  const char* expected;
+};
+
+TEST_F(Text, BeyondAscii) {
+  errno = 77;
+  const WideRow rows[] = {
+      {L"a\u00e9\u20ac", L"%s", "s7", "1 a<c3><a9><e2><82><ac>_"},
+      {L"a\u00e9\u20ac", L"%s", "s6", "0 _<c3><a9>..."},  // no half character
+      {L"a\u00e9\u20ac", L"%3c", "s6", "1 a<c3><a9><e2><82><ac>"},
+      {L"a\u00e9\u20ac", L"%2s", "s4", "1 a<c3><a9>_"},  // a width counts what is read
+      {L"a\u00e9\u20ac", L"%ls", "w4", "1 a<e9><20ac>_"},
+      {L"a\xd800z", L"%s", "s4", "1 a?z_"},
+      {L"a\u2003\u2003b", L"%ls%ls", "w2 w2", "2 a_|b_"},
+      {L"\u2003x", L"\u2003\u2003x", "", "0 "},
+      {L"1\uff12", L"%d", "i4", "1 1"},
+      {L"5", L"%\u0164", "i4", "0 ."},  // no letter, although its low byte is one
+      // Sets.
+      {L"\u0431\u0443x", L"%l[\u0430-\u044f]", "w4", "1 <431><443>_."},
+      {L"\u0431\u0443x", L"%l[^x]", "w4", "1 <431><443>_."},
+      {L"\u0431x", L"%l[^\u0430-\u044f]", "w1", "0 ."},
+      {L"b\u0431\u0450", L"%l[a-\u044f]", "w4", "1 b<431>_."},
+      {L"\u044f-\u0430\u0431", L"%l[\u044f-\u0430]", "w4", "1 <44f>-<430>_"},
+      {L"\u0161a", L"%l[a]", "w1", "0 ."},
+      {L"\u00e9\u00ff\u0100", L"%l[\u00e0-\u00ff]", "w4", "1 <e9><ff>_."},
+  };
+  for (const WideRow& row : rows)
+    EXPECT_EQ(row.expected, scan(row.text, row.format, row.destinations));
+  // A byte of a longer character does not convert by itself, and no byte beyond ASCII is a space.
+  EXPECT_EQ("2 a??_|b", scan("a\u00e9b", "%3ls%lc", "w4 w1"));
+  EXPECT_EQ("2 a<c3>_|<85>", scan("a\xc3\x85", "%2s%c", "s3 s1"));
+  EXPECT_EQ("1 <e9><ff>_", scan("\xe9\xff\x7f", "%[\xe0-\xff]", "s3"));
+  EXPECT_EQ("1 inf", scan("1e999", "%f", "f"));
+  EXPECT_EQ(77, errno);
+  setlocale(LC_CTYPE, "C");
+  EXPECT_EQ("1 a?_.", scan(L"a\u20ac", L"%s", "s4"));
+}
+
+// The point is the locale's. strtod is not told here, and so stops at it.
+TEST_F(Text, ThePointMayBeAnother) {
+  decimal_point = "\u066b";
+  EXPECT_EQ("2 1|x", scan("1\u066b5x", "%f%c", "f s1"));
+  EXPECT_EQ("2 1|x", scan(L"1\u066b5x", L"%f%c", "f s1"));
+  EXPECT_EQ("2 1|.", scan(L"1.5", L"%f%c", "f s1"));
+  decimal_point = ",";
+  EXPECT_EQ("2 1|x", scan("1,5x", "%f%c", "f s1"));
+  EXPECT_EQ("2 1|.", scan("1.5", "%f%c", "f s1"));
+  decimal_point = nullptr;
+}
+
+// Calls `scan` with each allocation failing. Returns how many there are, and the results that the
+// failures gave, which leave the value alone.
+template <typename ScanInto>
+std::string fail_allocations(ScanInto scan) {
+  std::string results;
+  long leaked;
+  const size_t blocks = fail_each_allocation(
+      [&](const AllocationFault& fault) {
+        double value = 5;
+        const int result = scan(&value);
+        EXPECT_EQ(fault.hit() ? 5 : 100, value);
+        if (fault.hit() ? results.find(std::to_string(result)) == std::string::npos : result != 1) {
+          results += std::to_string(result) + " ";
+        }
+      },
+      &leaked);
+  EXPECT_EQ(0, leaked);
+  return results + std::to_string(blocks);
+}
+
+// 349 characters need no heap block. A block is doubled as often as a run of digits needs. A file
+// needs one for its chunk, without which it seems to be at its end.
+TEST(Memory, EveryAllocationFailsOnce) {
+  struct Row {
+    size_t length;
+    const char* of_string;
+    const char* of_file;
+  };
+  const Row rows[] = {{349, "0", "-1 1"},
+                      {350, "0 1", "-1 0 2"},
+                      {700, "0 2", "-1 0 3"},
+                      {100000, "0 1", "-1 0 9"}};
+  for (const Row& row : rows) {
+    const std::string number = "1." + std::string(row.length - 4, '0') + "e2";
+    const std::wstring wide = of_width<wchar_t>(number);
+    StandardInput input(number);
+    getc(stdin);  // the stream has its own buffer before anything is made to fail
+    EXPECT_EQ(row.of_string,
+              fail_allocations([&](double* v) { return sscanf_s(number.c_str(), "%lf", v); }));
+    EXPECT_EQ(row.of_string,
+              fail_allocations([&](double* v) { return swscanf_s(wide.c_str(), L"%lf", v); }));
+    EXPECT_EQ(row.of_file, fail_allocations([](double* v) {
+                rewind(stdin);
+                return fscanf_s(stdin, "%lf", v);
+              }));
+  }
+}
+
+TEST(Memory, TheTextOfANumberIsWiped) {
+  using plx::securec::input::NumberText;
+  alignas(NumberText) unsigned char place[sizeof(NumberText)];
+  const std::string digits(349, '7');
+  const auto sevens = [&] { return std::count(place, std::end(place), '7'); };
+  auto* text = new (place) NumberText;
+  ASSERT_TRUE(text->append(digits.data(), digits.data() + digits.size()));
+  EXPECT_LE(349, sevens());
+  text->~NumberText();
+  EXPECT_GT(9, sevens());
+  text = new (place) NumberText;
+  ASSERT_TRUE(text->append(digits.data(), digits.data() + digits.size()));
+  ASSERT_TRUE(text->append(digits.data(), digits.data() + 1));  // moves to the heap
+  EXPECT_GT(9, sevens());
+  text->~NumberText();
+}
+
+int engine(SecureInputSource* source, const char* format, ...) {
+  va_list args;
+  va_start(args, format);
+  const int result = securec_input_s(source, format, args);
+  va_end(args);
+  return result;
+}
+
+TEST(Engine, TellsANullDestinationFromTheEnd) {
+  plx::securec::input::StringSource<char> number("5", 1), end("", 0);
+  int value;
+  EXPECT_EQ(-1, engine(nullptr, "%d", &value));
+  EXPECT_EQ(-1, engine(&number, nullptr));
+  EXPECT_EQ(-2, engine(&number, "%d", nullptr));
+  EXPECT_EQ(1, engine(&number, "%d", &value));
+  EXPECT_EQ(-1, engine(&end, "%d", &value));
+}
+
+}  // namespace
