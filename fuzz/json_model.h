@@ -1,8 +1,9 @@
 // The dialect once more, as naively as it can be put: texts are copied and unescaped, names are
 // compared in pairs. It also foretells how many heap blocks a refused parse loses.
-#ifndef PLX_TESTS_JSON_MODEL_H
-#define PLX_TESTS_JSON_MODEL_H
+#ifndef PLX_FUZZ_JSON_MODEL_H
+#define PLX_FUZZ_JSON_MODEL_H
 
+#include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
 
@@ -30,6 +31,48 @@ struct ModelValue {
     return out + (kind == '{' ? '}' : ']');
   }
 
+  // The first member of that name, depth-first, with letters of either case taken as equal or not.
+  const ModelValue* find(const std::string& name, bool any_case) const {
+    for (size_t i = 0; i < values.size(); ++i) {
+      if (kind == '{' && same_name(names[i], name, any_case)) return &values[i];
+      if (const ModelValue* found = values[i].find(name, any_case)) return found;
+    }
+    return nullptr;
+  }
+
+  static bool same_name(const std::string& a, const std::string& b, bool any_case) {
+    const auto same = [any_case](char x, char y) {
+      const auto lower = [](char c) {
+        return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
+      };
+      return any_case ? lower(x) == lower(y) : x == y;
+    };
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(), same);
+  }
+
+  // The value written in the dialect, whatever its texts hold.
+  std::string written() const {
+    if (kind == 's') return written_text(text);
+    std::string out(1, kind);
+    for (size_t i = 0; i < values.size(); ++i) {
+      if (i > 0) out += ',';
+      if (kind == '{') out += written_text(names[i]) + ':';
+      out += values[i].written();
+    }
+    return out + (kind == '{' ? '}' : ']');
+  }
+
+  static std::string written_text(const std::string& text) {
+    std::string out = "\"";
+    for (char c : text) {
+      char unit[8];
+      const bool is_plain = static_cast<unsigned char>(c) >= 0x20 && c != '"' && c != '\\';
+      if (!is_plain) snprintf(unit, sizeof unit, "\\u%04X", static_cast<unsigned char>(c));
+      out += is_plain ? std::string(1, c) : unit;
+    }
+    return out + '"';
+  }
+
   // Heap blocks of the tree: record and text, or record, body, slot arrays, names and values.
   long blocks() const {
     long count = 2 + (values.empty() ? 0 : kind == '{' ? 2 : 1) + static_cast<long>(names.size());
@@ -42,7 +85,10 @@ class Model {
  public:
   explicit Model(const std::string& text) : p_(text.c_str()) {
     accepted_ = (*p_ == '[' || *p_ == '{') && read_value(&root_, 0);
+    length_ = static_cast<size_t>(p_ - text.c_str());
   }
+  // Of an accepted text: how much of it was read.
+  size_t length() const { return length_; }
   bool accepted() const { return accepted_; }
   const ModelValue& root() const { return root_; }
   long leaked() const { return leaked_; }
@@ -138,6 +184,7 @@ class Model {
 
   const char* p_;
   bool accepted_;
+  size_t length_;
   long leaked_ = 0;
   ModelValue root_;
 };

@@ -4,7 +4,6 @@
 #define PLX_TESTS_JSON_TREE_TEXT_H
 
 #include <plx/json.h>
-#include <stdio.h>
 
 #include <string>
 
@@ -13,10 +12,12 @@ namespace plx_test {
 inline std::string quoted(const std::string& text) {
   std::string out = "\"";
   for (unsigned char c : text) {
-    char hex[4];
-    snprintf(hex, sizeof hex, "\\%02x", c);
-    const bool is_plain = c > 0x20 && c < 0x7F && c != '"' && c != '\\';
-    out += is_plain ? std::string(1, static_cast<char>(c)) : hex;
+    const char* digits = "0123456789abcdef";
+    if (c > 0x20 && c < 0x7F && c != '"' && c != '\\') {
+      out += static_cast<char>(c);
+    } else {
+      out += {'\\', digits[c >> 4], digits[c & 15]};
+    }
   }
   return out + '"';
 }
