@@ -17,7 +17,7 @@ struct Access {
   gid_t group = static_cast<gid_t>(-1);
 };
 
-// Both end the command with a message when the text names no mode or no owner.
+// Both end the command with a message when there is no such mode or owner.
 mode_t parse_mode(const std::string& text);
 void parse_owner(const std::string& text, Access* access);  // USER, USER:GROUP or :GROUP
 
