@@ -18,11 +18,9 @@ as_root() {
 }
 
 missing_packages() {
-  local package
-  for package in "$@"; do
-    dpkg-query -W -f='${db:Status-Status}\n' "$package" 2>/dev/null | grep -qx installed ||
-      printf '%s\n' "$package"
-  done
+  comm -23 <(printf '%s\n' "$@" | sort -u) \
+    <(dpkg-query -W -f='${db:Status-Status} ${Package}\n' "$@" 2>/dev/null |
+      sed -n 's/^installed //p' | sort -u)
 }
 
 # install_packages NAME...: installs what is missing, and only then asks the network.
