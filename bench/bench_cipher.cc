@@ -46,7 +46,7 @@ void add_record(size_t size) {
   const std::string plain(size, 'a');
   const auto ours = [aes, plain]() mutable {
     char out[1024];
-    aes.pszText = &plain[0];
+    aes.pszText = const_cast<char*>(plain.c_str());
     benchmark::DoNotOptimize(PLX_AesEncryByMode(&aes, out, sizeof out));
   };
   const auto peer = [aes, plain] {
