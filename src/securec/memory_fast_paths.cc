@@ -67,10 +67,9 @@ template <bool kTestsSign>
 struct SmallBlocks {
   static constexpr bool kTestsSignOnSuccess = kTestsSign;
 
-  static void fill(void* dst, int c, size_t count) {
+  static errno_t fill(void* dst, int c, size_t count) {
     if (count > kMaxSmallFill) {
-      memset(dst, c, count);
-      return;
+      return PlatformBlocks::fill(dst, c, count);
     }
     auto* bytes = static_cast<unsigned char*>(dst);
     if (is_word_aligned(dst) && (c == 0 || c == 0xFF)) {
@@ -78,12 +77,12 @@ struct SmallBlocks {
     } else {
       fill_pieces<kMaxSmallFill>(bytes, static_cast<unsigned char>(c), count);
     }
+    return EOK;
   }
 
-  static void copy(void* dst, const void* src, size_t count) {
+  static errno_t copy(void* dst, const void* src, size_t count) {
     if (count > kMaxSmallCopy) {
-      memcpy(dst, src, count);
-      return;
+      return PlatformBlocks::copy(dst, src, count);
     }
     auto* to = static_cast<unsigned char*>(dst);
     const auto* from = static_cast<const unsigned char*>(src);
@@ -92,6 +91,7 @@ struct SmallBlocks {
     } else {
       copy_pieces<Bytes, kMaxSmallCopy>(to, from, count);
     }
+    return EOK;
   }
 };
 

@@ -11,6 +11,7 @@
 
 #include "securec/limits.h"
 #include "securec/memory.h"
+#include "securec/short_strings.h"
 
 namespace plx::securec {
 namespace {
@@ -68,7 +69,7 @@ errno_t append(Char* dst, size_t dst_count, const Char* src, size_t limit) {
 }
 
 template <typename Char>
-errno_t append_whole(Char* dst, size_t dst_count, const Char* src) {
+errno_t append_any(Char* dst, size_t dst_count, const Char* src) {
   if (!is_valid_capacity<Char>(dst_count)) return ERANGE;
   if (dst == nullptr) return EINVAL;
   if (src == nullptr) return clear_first(dst, EINVAL_CLEARED);
@@ -103,13 +104,7 @@ errno_t copy_wide_counted(wchar_t* dst, size_t dst_count, const wchar_t* src, si
   return store_as_it_goes(dst, dst, dst_count, src, count);
 }
 
-}  // namespace
-
-errno_t copy_string(char* dst, size_t dst_size, const char* src) {
-  if (!is_valid_size(dst_size)) return ERANGE;
-  if (dst == nullptr) return EINVAL;
-  if (src == nullptr) return clear_first(dst, EINVAL_CLEARED);
-  const size_t length = bounded_length(src, dst_size);
+inline errno_t copy_measured(char* dst, size_t dst_size, const char* src, size_t length) {
   if (length == dst_size) return clear_first(dst, ERANGE_CLEARED);
   if (dst == src) return EOK;
   if (ranges_overlap(dst, src, length + 1)) return clear_first(dst, EOVERLAP_CLEARED);
@@ -117,7 +112,21 @@ errno_t copy_string(char* dst, size_t dst_size, const char* src) {
   return EOK;
 }
 
-errno_t copy_string(char* dst, size_t dst_size, const char* src, size_t count) {
+[[gnu::noinline]] errno_t copy_any_string(char* dst, size_t dst_size, const char* src) {
+  if (!is_valid_size(dst_size)) return ERANGE;
+  if (dst == nullptr) return EINVAL;
+  if (src == nullptr) return clear_first(dst, EINVAL_CLEARED);
+  return copy_measured(dst, dst_size, src, bounded_length(src, dst_size));
+}
+
+// The first kShortText characters are known to be there, and to have room.
+[[gnu::noinline]] errno_t copy_long_string(char* dst, size_t dst_size, const char* src) {
+  const size_t rest = bounded_length(src + kShortText, dst_size - kShortText);
+  return copy_measured(dst, dst_size, src, kShortText + rest);
+}
+
+[[gnu::noinline]] errno_t copy_any_string(char* dst, size_t dst_size, const char* src,
+                                          size_t count) {
   if (!is_valid_size(dst_size)) return ERANGE;
   if (dst == nullptr) return EINVAL;
   if (src == nullptr) return clear_first(dst, EINVAL_CLEARED);
@@ -131,6 +140,40 @@ errno_t copy_string(char* dst, size_t dst_size, const char* src, size_t count) {
   }
   dst[length] = 0;
   return EOK;
+}
+
+// Most texts are short, and nothing is wrong with most calls.
+[[gnu::always_inline]] inline errno_t copy_whole(char* dst, size_t dst_size, const char* src) {
+  if (dst_size <= SECURE_MEM_LIMIT && dst != nullptr && src != nullptr) {
+    const size_t length = short_length(src);
+    if (length < dst_size && !ranges_overlap(dst, src, length + 1)) {
+      copy_short_block(dst, src, length + 1);
+      return EOK;
+    }
+    if (length == kLongText && dst_size > kShortText) return copy_long_string(dst, dst_size, src);
+  }
+  return copy_any_string(dst, dst_size, src);
+}
+
+[[gnu::always_inline]] inline errno_t copy_counted(char* dst, size_t dst_size, const char* src,
+                                                   size_t count) {
+  if (copy_short_string(dst, dst_size, src, count)) return EOK;
+  return copy_any_string(dst, dst_size, src, count);
+}
+
+[[gnu::always_inline]] inline errno_t append_whole(char* dst, size_t dst_size, const char* src) {
+  if (append_short_string(dst, dst_size, src)) return EOK;
+  return append_any(dst, dst_size, src);
+}
+
+}  // namespace
+
+errno_t copy_string(char* dst, size_t dst_size, const char* src) {
+  return copy_whole(dst, dst_size, src);
+}
+
+errno_t copy_string(char* dst, size_t dst_size, const char* src, size_t count) {
+  return copy_counted(dst, dst_size, src, count);
 }
 
 errno_t append_string(char* dst, size_t dst_size, const char* src) {
@@ -148,11 +191,11 @@ using namespace plx::securec;
 extern "C" {
 
 errno_t strcpy_s(char* dest, size_t destMax, const char* src) {
-  return copy_string(dest, destMax, src);
+  return copy_whole(dest, destMax, src);
 }
 
 errno_t strncpy_s(char* dest, size_t destMax, const char* src, size_t count) {
-  return copy_string(dest, destMax, src, count);
+  return copy_counted(dest, destMax, src, count);
 }
 
 errno_t strcat_s(char* dest, size_t destMax, const char* src) {
@@ -172,7 +215,7 @@ errno_t wcsncpy_s(wchar_t* dest, size_t destMax, const wchar_t* src, size_t coun
 }
 
 errno_t wcscat_s(wchar_t* dest, size_t destMax, const wchar_t* src) {
-  return append_whole(dest, destMax, src);
+  return append_any(dest, destMax, src);
 }
 
 errno_t wcsncat_s(wchar_t* dest, size_t destMax, const wchar_t* src, size_t count) {

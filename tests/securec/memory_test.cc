@@ -154,6 +154,19 @@ TEST(Memory, EverySmallSizeAndAlignment) {
   }
 }
 
+TEST(Memory, SmallMovesOverlapInEveryWay) {
+  for (size_t count = 1; count <= 70; ++count) {
+    for (size_t to = 0; to <= 140; ++to) {
+      unsigned char image[210], expected[210];
+      for (size_t i = 0; i < sizeof image; ++i)
+        image[i] = expected[i] = static_cast<unsigned char>(i);
+      std::copy_n(image + 70, count, expected + to);
+      ASSERT_EQ(EOK, memmove_s(image + to, count, image + 70, count));
+      ASSERT_EQ(0, memcmp(expected, image, sizeof image)) << count << " to " << to;
+    }
+  }
+}
+
 TEST(Memory, WideRefusals) {
   const size_t too_large = SECURE_WCHAR_LIMIT + 1;
   for (auto* operation : {wmemcpy_s, wmemmove_s}) {

@@ -182,6 +182,39 @@ TYPED_TEST(Strings, RefusalsInTheirOrder) {
   EXPECT_EQ('x', d[0]);
 }
 
+// Every length around the short copies, from where every number of bytes is left in the page.
+TEST(ShortStrings, AtTheEndOfAPage) {
+  plx_test::Guarded<char> page(4096);
+  std::fill_n(page.data(), page.size(), 'x');
+  char d[160], expected[160];
+  for (size_t length = 0; length <= 130; ++length) {
+    for (size_t behind = 0; behind <= 100; behind += length % 3 + 1) {
+      char* const src = page.data() + page.size() - 1 - behind - length;
+      src[length] = 0;
+      for (const size_t room : {length, length + 1, sizeof d}) {
+        for (const size_t limit : {kWhole, length / 2, length, length + 1}) {
+          if (room == 0) continue;
+          memset(d, 'o', sizeof d);
+          memset(expected, 'o', sizeof d);
+          const errno_t wanted = model_copy(expected, room, src, limit);
+          ASSERT_EQ(wanted,
+                    limit == kWhole ? strcpy_s(d, room, src) : strncpy_s(d, room, src, limit));
+          ASSERT_EQ(0, memcmp(expected, d, sizeof d)) << length << " " << room << " " << limit;
+        }
+      }
+      memset(d, 'o', sizeof d);
+      memset(expected, 'o', sizeof d);
+      d[behind % 8] = expected[behind % 8] = 0;
+      for (const size_t room : {behind % 8 + length, behind % 8 + length + 1}) {
+        if (room == 0) continue;
+        ASSERT_EQ(model_append(expected, room, src, kWhole), strcat_s(d, room, src));
+        ASSERT_EQ(0, memcmp(expected, d, sizeof d)) << length << " " << room;
+      }
+      src[length] = 'x';
+    }
+  }
+}
+
 // An unterminated source or destination is never read past the destination's size.
 TYPED_TEST(Strings, NothingIsReadPastTheRoom) {
   using Char = TypeParam;
