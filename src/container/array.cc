@@ -120,26 +120,25 @@ void free_array_alone(PLX_array* array) {
   release_block(array);
 }
 
-bool ensure_room(PLX_array* array, int64_t needed) {
-  if (needed <= 0) return false;
-  if (needed <= array->capacity && array->items != nullptr) return true;
+bool grow_array(PLX_array* array, int64_t needed) {
   const int64_t rounded = (needed + kGrowthSlots - 1) / kGrowthSlots * kGrowthSlots;
   // Slots that a failed growth lost are brought back in full.
   const int64_t capacity = std::max<int64_t>(rounded, array->capacity);
   if (capacity > INT_MAX) return false;
-  array->items =
-      static_cast<void**>(array->items == nullptr ? allocate_zeroed(slot_bytes(capacity))
-                                                  : grow_block(array->items, slot_bytes(capacity),
-                                                               slot_bytes(array->capacity)));
-  if (array->items == nullptr) return false;
+  void* const slots = array->items == nullptr ? allocate_zeroed(slot_bytes(capacity))
+                                              : grow_block(array->items, slot_bytes(capacity),
+                                                           slot_bytes(array->capacity));
+  const bool was_empty = array->items == nullptr;
+  array->items = static_cast<void**>(slots);
+  if (slots == nullptr) return false;
   array->capacity = static_cast<int32_t>(capacity);
   const size_t unused = slot_bytes(capacity - array->count);
-  securec::fill_memory(array->items + array->count, unused, 0, unused);
+  if (!was_empty) securec::fill_memory(array->items + array->count, unused, 0, unused);
   return true;
 }
 
-bool append_element(PLX_array* array, void* element) {
-  if (!ensure_room(array, int64_t{array->count} + 1)) return false;
+bool append_growing(PLX_array* array, void* element) {
+  if (!grow_array(array, int64_t{array->count} + 1)) return false;
   array->items[array->count++] = element;
   return true;
 }

@@ -28,7 +28,13 @@ uint32_t PLX_stringHashValue(const void* key, uint32_t bucketCount) {
   const char* text = static_cast<const char*>(key);
   if (text == nullptr || *text == 0) return 0;
   uint32_t hash = 0;
-  for (; *text != 0; ++text) hash = hash * kStringHashFactor + plx::ascii_to_upper(*text);
+  // Two bytes a step, since each multiplication of the sum waits for the one before.
+  for (; text[0] != 0 && text[1] != 0; text += 2) {
+    const uint32_t pair =
+        plx::ascii_to_upper(text[0]) * kStringHashFactor + plx::ascii_to_upper(text[1]);
+    hash = hash * (kStringHashFactor * kStringHashFactor) + pair;
+  }
+  if (*text != 0) hash = hash * kStringHashFactor + plx::ascii_to_upper(*text);
   return (hash & kStringHashMask) % bucketCount;
 }
 

@@ -24,6 +24,7 @@ namespace {
 using Node = PLX_hashtable_node;
 
 constexpr uint32_t kDefaultBuckets = 512;
+constexpr uint32_t kFetchAhead = 8;
 
 Node** allocate_buckets(uint32_t count) {
   return static_cast<Node**>(allocate_zeroed(saturating_multiply(count, sizeof(Node*))));
@@ -52,6 +53,8 @@ void clear_table(PLX_hashtable* table) {
   if (table == nullptr || table->buckets == nullptr) return;
   // Neither the count nor the enumeration is reset: callers depend on the count.
   for (uint32_t i = 0; i < table->bucketCount; ++i) {
+    // Nodes lie anywhere; those of the buckets to come are fetched meanwhile.
+    if (table->bucketCount - i > kFetchAhead) __builtin_prefetch(table->buckets[i + kFetchAhead]);
     while (table->buckets[i] != nullptr) remove_first(table, &table->buckets[i]);
   }
 }
@@ -103,7 +106,8 @@ int PLX_hashtable_insert(PLX_hashtable* table, const void* key, void* value) {
   if (table == nullptr || key == nullptr || value == nullptr) return -1;
   PLX_hashtable_node** const chain = chain_of(table, key);
   if (chain == nullptr) return -1;
-  auto* node = plx::allocate_zeroed_record<PLX_hashtable_node>();
+  // Not zeroed: all of it is set below.
+  auto* const node = static_cast<PLX_hashtable_node*>(malloc(sizeof(PLX_hashtable_node)));
   if (node == nullptr) return -1;
   // An equal key is not looked for: callers depend on the newer node hiding the older.
   *node = {value, key, *chain};
