@@ -204,6 +204,10 @@ PLX_API unsigned char* stunHMAC(unsigned char* out, const unsigned char* data, s
 
 /* ---- DES and triple DES (FIPS 46-3) --------------------------------------------------------- */
 
+/* On 64-bit machines buffers of 32 blocks and more (fewer with vector instructions) are run many
+ * blocks at once, without a branch or an index that depends on the key or the data. Shorter ones
+ * go through tables, whose indexes do: other processes on the machine may learn from the time. */
+
 /* Round keys, two words a round, in the order in which a pass uses them. */
 typedef struct DesContext {
   uint32_t encSubkeys[32]; /* for encryption */
