@@ -17,6 +17,10 @@ void check(bool holds) {
   if (!holds) __builtin_trap();
 }
 
+bool same(const void* a, const void* b, size_t size) {
+  return size == 0 || memcmp(a, b, size) == 0;
+}
+
 // The bytes of `text`, or empty when a character is no digit or the length is of the form 4k+1.
 std::string decode_slowly(const std::string& text, const std::string& digits, bool pad_is_zero) {
   std::string bytes;
@@ -49,12 +53,12 @@ void check_standard(const std::string& text) {
   std::vector<uint8_t> out = block(text.size());
   const std::vector<char> in(text.begin(), text.end());
   const unsigned size = PLX_b64_decode(in.data(), static_cast<unsigned>(in.size()), out.data());
-  check(size == expected.size() && memcmp(out.data(), expected.data(), size) == 0);
+  check(size == expected.size() && same(out.data(), expected.data(), size));
   check(size == 0 || out[size] == 0);
   std::string in_place = text;
   auto* const at = reinterpret_cast<uint8_t*>(&in_place[0]);
   check(size == PLX_b64_decode(in_place.data(), static_cast<unsigned>(text.size()), at));
-  check(memcmp(at, expected.data(), size) == 0);
+  check(same(at, expected.data(), size));
 }
 
 void check_url(const std::string& text) {
@@ -65,7 +69,7 @@ void check_url(const std::string& text) {
   std::vector<uint8_t> out = block(cut.size() * 3 / 4);
   const unsigned room = static_cast<unsigned>(out.size());
   const unsigned size = PLX_base64UrlDecode(out.data(), room, in.data(), length);
-  check(size == expected.size() && memcmp(out.data(), expected.data(), size) == 0);
+  check(size == expected.size() && same(out.data(), expected.data(), size));
   if (size > 0) check(PLX_base64UrlDecode(out.data(), size - 1, in.data(), length) == 0);
 }
 
@@ -78,7 +82,7 @@ void check_kernels(const Base64Alphabet& alphabet, const std::string& text) {
     std::vector<uint8_t> out = block(3 * groups);
     const size_t taken = kernel.decode_groups(alphabet, out.data(), text.data(), groups);
     check(taken == kRefused ? good < groups : taken <= good);
-    if (taken != kRefused) check(memcmp(out.data(), expected.data(), 3 * taken) == 0);
+    if (taken != kRefused) check(same(out.data(), expected.data(), 3 * taken));
   }
 }
 
@@ -92,10 +96,10 @@ void check_round_trip(const std::string& bytes) {
   check(PLX_b64_encode(data, size, &text[0], room - 1) == 0);
   std::vector<uint8_t> out = block(text.size());
   check(PLX_b64_decode(text.data(), room - 1, out.data()) == size);
-  check(memcmp(out.data(), data, size) == 0);
+  check(same(out.data(), data, size));
   check(PLX_base64UrlEncoder(&text[0], room, data, size) == 0);
   check(PLX_base64UrlDecode(out.data(), size, text.data(), static_cast<int>(room)) == size);
-  check(memcmp(out.data(), data, size) == 0);
+  check(same(out.data(), data, size));
 }
 
 }  // namespace
