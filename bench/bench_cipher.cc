@@ -43,7 +43,7 @@ void add_record(size_t size) {
   aes.iPadding = 1;
   memcpy(aes.szKey, "0123456789abcdef", 16);
   memcpy(aes.szIV, "fedcba9876543210", 16);
-  const std::string plain(size, 'a');
+  std::string plain(size, 'a');
   const auto ours = [aes, plain]() mutable {
     char out[1024];
     aes.pszText = const_cast<char*>(plain.c_str());

@@ -18,7 +18,6 @@ namespace {
 
 constexpr uint32_t kEcb = 0;
 constexpr uint32_t kCbc = 1;
-constexpr int32_t kPaddingOn = 1;
 constexpr int32_t kPaddingOff = 2;
 
 const unsigned char* bytes_of(const char* text) {
@@ -48,11 +47,6 @@ int init_context(const tagAes* aes, EVP_CIPHER_CTX* ctx) {
   return Direction::init(ctx, cipher, nullptr, bytes_of(aes->szKey), bytes_of(aes->szIV));
 }
 
-void set_padding(const tagAes& aes, EVP_CIPHER_CTX* ctx) {
-  if (aes.iPadding == kPaddingOn) EVP_CIPHER_CTX_set_padding(ctx, 1);
-  if (aes.iPadding == kPaddingOff) EVP_CIPHER_CTX_set_padding(ctx, 0);
-}
-
 // The most that padding can make of the text, asked for with padding off as well.
 bool fits_output(size_t text_length, int out_size) {
   const uint64_t need = (static_cast<uint64_t>(text_length) & ~uint64_t{15}) + kBlockSize;
@@ -65,7 +59,8 @@ int run(const tagAes& aes, const unsigned char* in, int in_len, unsigned char* o
   const CipherContext ctx(EVP_CIPHER_CTX_new());
   const int started = init_context<Direction>(&aes, ctx.get());
   if (started <= 0) return started;
-  set_padding(aes, ctx.get());
+  // A new context pads, which is what every other value asks for.
+  if (aes.iPadding == kPaddingOff) EVP_CIPHER_CTX_set_padding(ctx.get(), 0);
   int updated, finished;
   if (update<Direction>(ctx.get(), out, &updated, in, in_len) <= 0) return -1;
   if (finish<Direction>(ctx.get(), out + updated, &finished) <= 0) return -1;

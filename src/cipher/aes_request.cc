@@ -3,12 +3,10 @@
 #include <stdlib.h>
 #include <string.h>
 
-#include <array>
-
 #include "cipher/aes_record.h"
+#include "cipher/hex_text.h"
 #include "cipher/key_store.h"
 #include "cipher/secrets.h"
-#include "digest/hex.h"
 #include "internal/owned.h"
 #include "internal/wipe.h"
 #include "json/parser.h"
@@ -21,31 +19,42 @@ namespace {
 
 using Tree = Owned<PLX_JsonValue, json::release>;
 
-constexpr size_t kTextSize = 1024;
+constexpr size_t kLongestText = 1022;
 constexpr size_t kWorkKeySize = 256;
 constexpr size_t kLongestKey = 32;
 constexpr size_t kSuffixLength = 4;
 
-// A request as a record, with the text that the record points at.
+// Wipes the part of a buffer that was used.
+struct WipeAtEnd {
+  ~WipeAtEnd() { wipe(data, size); }
+  void* data;
+  size_t size;
+};
+
+// A request as a record. Its text stays in the tree that it was found in.
 struct Request {
-  Request() { aes.pszText = text.text(); }
-  ~Request() { wipe(&aes, sizeof aes); }
+  Request() { aes.pszText = no_text; }
+  ~Request() {
+    wipe(aes.pszText, strlen(aes.pszText));
+    wipe(&aes, sizeof aes);
+  }
+  Tree root;
   tagAes aes = {};
-  SecretBytes<kTextSize> text;
+  char no_text[1] = {};
 };
 
 // Copies the text of member `name`, found anywhere in the tree, to `dst`, cut to two characters
-// less than `dst_size`; a container has an empty text. Returns whether the member is there. Its
-// text in the tree is wiped, for it may be a part of a key.
-bool getAesJsonField(const PLX_JsonValue* root, const char* name, char* dst, size_t dst_size) {
-  const PLX_JsonValue* value = json::find(root, name);
-  if (value == nullptr) return false;
+// less than `dst_size`; a container has an empty text. Returns the member's value, or null where it
+// is not there.
+PLX_JsonValue* getAesJsonField(const PLX_JsonValue* root, const char* name, char* dst,
+                               size_t dst_size) {
+  PLX_JsonValue* value = json::find(root, name);
+  if (value == nullptr) return nullptr;
   if (const char* text = json::text_of(value)) {
     securec::copy_string(dst, dst_size, text, dst_size - 2);
-    wipe(value->data, strlen(text));
   }
   dst[dst_size - 1] = 0;
-  return true;
+  return value;
 }
 
 bool read_mode(const PLX_JsonValue* root, tagAes* aes) {
@@ -68,7 +77,7 @@ bool read_key_size(const PLX_JsonValue* root, tagAes* aes) {
 
 bool read_padding(const PLX_JsonValue* root, tagAes* aes) {
   char text[16] = {};
-  if (!getAesJsonField(root, "paddingMode", text, sizeof text)) return false;
+  if (getAesJsonField(root, "paddingMode", text, sizeof text) == nullptr) return false;
   if (text[0] == 0) {
     aes->iPadding = 2;
     return true;
@@ -81,7 +90,8 @@ bool read_padding(const PLX_JsonValue* root, tagAes* aes) {
 // has no room for a terminator behind its suffix, so that the append empties it: callers depend on
 // its first byte being zero, and on nothing being compared with the size of a stored prefix.
 bool setAesKeyFromRequest(tagAes* aes, const PLX_JsonValue* root) {
-  getAesJsonField(root, "cipherPrefix", aes->szKey, sizeof aes->szKey);
+  PLX_JsonValue* prefix = getAesJsonField(root, "cipherPrefix", aes->szKey, sizeof aes->szKey);
+  if (const char* text = json::text_of(prefix)) wipe(prefix->data, strlen(text));
   if (aes->szKey[0] != 0) {
     const size_t wanted = static_cast<size_t>(aes->iKeyBits) / 8 - kSuffixLength;
     if (strlen(aes->szKey) != wanted) return false;
@@ -97,8 +107,8 @@ bool setAesKeyFromRequest(tagAes* aes, const PLX_JsonValue* root) {
 }
 
 bool read_iv(const PLX_JsonValue* root, tagAes* aes) {
-  const bool found = getAesJsonField(root, "IVPrefix", aes->szIV, sizeof aes->szIV);
-  if (aes->iMode == 1 && !found) return false;
+  const auto* found = getAesJsonField(root, "IVPrefix", aes->szIV, sizeof aes->szIV);
+  if (aes->iMode == 1 && found == nullptr) return false;
   if (aes->szIV[0] == 0) {
     securec::copy_string(aes->szIV, sizeof aes->szIV, default_iv_prefix(), sizeof aes->szIV);
   }
@@ -107,72 +117,57 @@ bool read_iv(const PLX_JsonValue* root, tagAes* aes) {
   return true;
 }
 
+// The text to work on, cut to its longest.
+void find_text(const char* name, Request* out) {
+  const PLX_JsonValue* value = json::find(out->root.get(), name);
+  const char* text = json::text_of(value);
+  if (text == nullptr) return;
+  out->aes.pszText = static_cast<char*>(value->data);
+  const size_t text_length = strlen(text);
+  if (text_length > kLongestText) {
+    wipe(out->aes.pszText + kLongestText, text_length - kLongestText);
+  }
+}
+
 // What stands around the object is ignored: the reader starts at the first brace, and what follows
 // the brace that closes the object does not count. One parse serves all members.
-bool parseAesRequest(Request* out, const char* request, const char* text_name) {
+bool parseAesRequest(const char* request, const char* text_name, Request* out) {
   const char* object = strchr(request, '{');
   if (object == nullptr) return false;
-  const Tree root(json::parse(object));
+  out->root.reset(json::parse(object));
+  const PLX_JsonValue* root = out->root.get();
   if (root == nullptr) return false;
-  if (!read_mode(root.get(), &out->aes)) return false;
-  if (!read_key_size(root.get(), &out->aes)) return false;
-  if (!read_padding(root.get(), &out->aes)) return false;
-  if (!setAesKeyFromRequest(&out->aes, root.get())) return false;
-  if (!read_iv(root.get(), &out->aes)) return false;
-  getAesJsonField(root.get(), text_name, out->text.text(), kTextSize);
+  if (!read_mode(root, &out->aes)) return false;
+  if (!read_key_size(root, &out->aes)) return false;
+  if (!read_padding(root, &out->aes)) return false;
+  if (!setAesKeyFromRequest(&out->aes, root)) return false;
+  if (!read_iv(root, &out->aes)) return false;
+  find_text(text_name, out);
   return true;
-}
-
-void write_hex(const unsigned char* bytes, int count, char* out) {
-  for (int i = 0; i < count; ++i) {
-    *out++ = digest::kUpperDigits[bytes[i] >> 4];
-    *out++ = digest::kUpperDigits[bytes[i] & 15];
-  }
-}
-
-constexpr std::array<unsigned char, 256> make_hex_values() {
-  std::array<unsigned char, 256> values = {};
-  for (unsigned char i = 0; i < 10; ++i) values['0' + i] = i;
-  for (unsigned char i = 10; i < 16; ++i) values['A' + i - 10] = values['a' + i - 10] = i;
-  return values;
-}
-constexpr std::array<unsigned char, 256> kHexValues = make_hex_values();
-
-// Callers depend on whatever is no digit counting as 0.
-unsigned hexCharToValue(char c) { return kHexValues[static_cast<unsigned char>(c)]; }
-
-// Decodes a text pair by pair, the terminator being the second of an odd last pair. Returns the
-// number of bytes.
-int read_hex(const char* text, unsigned char* out) {
-  int count = 0;
-  for (; text[0] != 0; text += 2) {
-    out[count++] =
-        static_cast<unsigned char>(16 * hexCharToValue(text[0]) + hexCharToValue(text[1]));
-    if (text[1] == 0) break;
-  }
-  return count;
 }
 
 int encrypt_request(const char* request, char* out) {
   Request parsed;
-  if (!parseAesRequest(&parsed, request, "plainText")) return 0;
+  if (!parseAesRequest(request, "plainText", &parsed)) return 0;
   // Blocks of the key's size. For 192-bit keys they come to less than the cipher asks for at some
   // lengths: callers depend on such a request giving 1 with nothing written.
   const size_t block = static_cast<size_t>(parsed.aes.iKeyBits) / 8;
   const size_t size = block * (1 + strlen(parsed.aes.pszText) / block);
-  SecretBytes<kTextSize + kLongestKey> cipher_text;
-  const int n = encrypt_record(&parsed.aes, cipher_text.data(), static_cast<int>(size));
+  unsigned char cipher_text[kLongestText + kLongestKey];
+  const WipeAtEnd wiped{cipher_text, size};
+  const int n = encrypt_record(&parsed.aes, cipher_text, static_cast<int>(size));
   if (n == 0) return 0;
-  write_hex(cipher_text.data(), n, out);
+  write_hex(cipher_text, n, out);
   return 1;
 }
 
 int decrypt_request(const char* request, char* out, int out_size) {
   Request parsed;
-  if (!parseAesRequest(&parsed, request, "cipherText")) return 0;
-  SecretBytes<kTextSize / 2 + 1> cipher_text;
-  const int count = read_hex(parsed.aes.pszText, cipher_text.data());
-  const int n = decrypt_record(&parsed.aes, cipher_text.data(), count,
+  if (!parseAesRequest(request, "cipherText", &parsed)) return 0;
+  unsigned char cipher_text[kLongestText / 2];
+  const int count = read_hex(parsed.aes.pszText, strlen(parsed.aes.pszText), cipher_text);
+  const WipeAtEnd wiped{cipher_text, static_cast<size_t>(count)};
+  const int n = decrypt_record(&parsed.aes, cipher_text, count,
                                reinterpret_cast<unsigned char*>(out), out_size);
   if (n == 0) return 0;
   // Callers depend on a failed run, -1, giving 1 and a zero in the byte before `out`.

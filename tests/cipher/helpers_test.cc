@@ -6,9 +6,14 @@
 #include <string>
 
 #include "cipher/byte_dump.h"
+#include "cipher/hex_text.h"
+#include "cipher/support.h"
 #include "support/allocation.h"
+#include "support/guarded.h"
 
 namespace {
+
+using namespace plx_test;
 
 TEST(CipherHelpers, Dump) {
   struct Row {
@@ -43,16 +48,45 @@ TEST(CipherHelpers, Dump) {
 
 TEST(CipherHelpers, DumpIsSilent) {
   const unsigned char data[] = {1, 2, 3};
-  const auto print = [&](const plx_test::AllocationFault&) {
+  const auto print = [&](const AllocationFault&) {
     printUnsignedCharArray("key", data, 3);
     printUnsignedCharArray(nullptr, data, 3);
     printUnsignedCharArray("key", nullptr, 3);
   };
   long leaked = 0;
   testing::internal::CaptureStdout();
-  EXPECT_EQ(1u, plx_test::fail_each_allocation(print, &leaked));
+  EXPECT_EQ(1u, fail_each_allocation(print, &leaked));
   EXPECT_EQ("", testing::internal::GetCapturedStdout());
   EXPECT_EQ(0, leaked);
+}
+
+// Every character at every place, and every length: blocks and tables must agree.
+TEST(CipherHelpers, HexOfEveryCharacterAndLength) {
+  const auto value_of = [](int c) {
+    return c >= '0' && c <= '9'       ? c - '0'
+           : strchr("ABCDEF", c) && c ? c - 'A' + 10
+           : c >= 'a' && c <= 'f'     ? c - 'a' + 10
+                                      : 0;
+  };
+  for (size_t len = 0; len <= 70; ++len) {
+    const size_t count = (len + 1) / 2;
+    Guarded<char> in(len), back(2 * count);
+    Guarded<unsigned char> out(count);
+    for (int c = 0; c < 256; ++c) {
+      std::string expected;
+      for (size_t i = 0; i < len; ++i) in[i] = static_cast<char>(i == c % len ? c : '7');
+      for (size_t i = 0; i < len; i += 2) {
+        const int high = value_of(static_cast<unsigned char>(in[i]));
+        const int low = i + 1 < len ? value_of(static_cast<unsigned char>(in[i + 1])) : 0;
+        expected += static_cast<char>(16 * high + low);
+      }
+      ASSERT_EQ(length(expected), plx::cipher::read_hex(in.data(), len, out.data())) << len;
+      ASSERT_EQ(0, memcmp(expected.data(), out.data(), count)) << len << " " << c;
+      plx::cipher::write_hex(out.data(), length(expected), back.data());
+      ASSERT_EQ(to_hex(expected), std::string(back.data(), 2 * count)) << len;
+    }
+  }
+  plx::cipher::write_hex(nullptr, -1, nullptr);
 }
 
 TEST(CipherHelpers, LineFeedsAndUnderscores) {
