@@ -3,7 +3,9 @@
 #ifndef PLX_SRC_SECUREC_INPUT_CHAR_CLASS_H
 #define PLX_SRC_SECUREC_INPUT_CHAR_CLASS_H
 
+#include <stddef.h>
 #include <stdint.h>
+#include <string.h>
 #include <wchar.h>
 #include <wctype.h>
 
@@ -44,6 +46,32 @@ inline bool is_space(char c) { return kCharClasses.of[code(c)] == kSpace; }
 inline bool is_space(wchar_t c) {
   if (code(c) < 0x80) return kCharClasses.of[code(c)] == kSpace;
   return iswspace(static_cast<wint_t>(c)) != 0;
+}
+
+// The first white space. Several characters at a time are seen to have none.
+inline const char* find_space(const char* at, const char* end) {
+  using Word = size_t;
+  constexpr Word kOnes = ~Word{0} / 0xFF;
+  while (static_cast<size_t>(end - at) >= sizeof(Word)) {
+    Word word;
+    memcpy(&word, at, sizeof word);
+    // The top bit of every character up to ' ', and perhaps of others behind the first.
+    const Word candidates = (word - kOnes * 0x21) & ~word & kOnes * 0x80;
+    if (candidates == 0) {
+      at += sizeof word;
+      continue;
+    }
+    at += __builtin_ctzl(candidates) / 8;
+    if (is_space(*at)) return at;
+    ++at;
+  }
+  while (at != end && !is_space(*at)) ++at;
+  return at;
+}
+
+inline const wchar_t* find_space(const wchar_t* at, const wchar_t* end) {
+  while (at != end && !is_space(*at)) ++at;
+  return at;
 }
 
 // The value of a digit; not below `base` when `c` is no digit of it.

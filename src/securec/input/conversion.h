@@ -14,10 +14,11 @@ namespace plx::securec::input {
 
 enum class Kind : uint8_t { kNone, kCharacters, kString, kSet, kInteger, kFloat, kCount };
 
-struct Letter {
+struct alignas(8) Letter {  // a table of them is indexed by a shift
   Kind kind;
   uint8_t base;  // of an integer; 0 finds out by the prefix
   bool is_signed;
+  bool is_pointer;   // an integer is as large as a pointer, whatever the modifiers say
   bool is_wide;      // text goes to a wide destination unless a modifier says otherwise
   bool is_modifier;  // may stand before a letter; F, I and N are letters as well
 };
@@ -34,19 +35,19 @@ constexpr LetterTable make_letters() {
     Letter letter;
   };
   const Row rows[] = {
-      {'c', {Kind::kCharacters, 0, false, false, false}},
-      {'s', {Kind::kString, 0, false, false, false}},
-      {'[', {Kind::kSet, 0, false, false, false}},
-      {'d', {Kind::kInteger, 10, true, false, false}},
-      {'i', {Kind::kInteger, 0, true, false, false}},
-      {'u', {Kind::kInteger, 10, false, false, false}},
-      {'o', {Kind::kInteger, 8, false, false, false}},
-      {'x', {Kind::kInteger, 16, false, false, false}},
-      {'p', {Kind::kInteger, 16, false, false, false}},
-      {'e', {Kind::kFloat, 0, false, false, false}},
-      {'f', {Kind::kFloat, 0, false, false, false}},
-      {'g', {Kind::kFloat, 0, false, false, false}},
-      {'n', {Kind::kCount, 0, false, false, false}},
+      {'c', {Kind::kCharacters, 0, false, false, false, false}},
+      {'s', {Kind::kString, 0, false, false, false, false}},
+      {'[', {Kind::kSet, 0, false, false, false, false}},
+      {'d', {Kind::kInteger, 10, true, false, false, false}},
+      {'i', {Kind::kInteger, 0, true, false, false, false}},
+      {'u', {Kind::kInteger, 10, false, false, false, false}},
+      {'o', {Kind::kInteger, 8, false, false, false, false}},
+      {'x', {Kind::kInteger, 16, false, false, false, false}},
+      {'p', {Kind::kInteger, 16, false, true, false, false}},
+      {'e', {Kind::kFloat, 0, false, false, false, false}},
+      {'f', {Kind::kFloat, 0, false, false, false, false}},
+      {'g', {Kind::kFloat, 0, false, false, false, false}},
+      {'n', {Kind::kCount, 0, false, false, false, false}},
   };
   LetterTable table = {};
   for (const Row& row : rows) {
@@ -71,21 +72,20 @@ inline unsigned char ascii(Char c) {
 struct Conversion {
   static constexpr size_t kNoWidth = 0;
 
+  const Letter* letter = nullptr;
   bool suppressed = false;
   size_t width = kNoWidth;
-  Letter letter = {};
-  bool is_pointer = false;
   int level = kIntLevel;   // how large a number is stored
   bool is_64_bit = false;  // an integer is stored in 64 bits whatever its level
   int text_width = 0;      // below 0 narrow, above 0 wide
 
   static constexpr int kShortLevel = 0, kIntLevel = 1, kLongLevel = 2, kLongDoubleLevel = 3;
 
-  bool is_wide() const { return text_width != 0 ? text_width > 0 : letter.is_wide; }
+  bool is_wide() const { return text_width != 0 ? text_width > 0 : letter->is_wide; }
 
   // In bytes.
   size_t integer_size() const {
-    if (is_pointer) return sizeof(void*);
+    if (letter->is_pointer) return sizeof(void*);
     if (is_64_bit) return sizeof(uint64_t);
     if (level >= kLongLevel) return sizeof(long);
     if (level == kIntLevel) return sizeof(int);
@@ -171,7 +171,7 @@ const Char* read_width(const Char* at, size_t* out) {
 }
 
 // Reads the conversion whose first character behind the '%' is `at` and returns where it ends. A
-// letter that is none leaves `out->letter.kind` at kNone.
+// letter that is none has the kind kNone.
 template <typename Char>
 const Char* read_conversion(const Char* at, Conversion* out) {
   if (*at == '*') {
@@ -184,9 +184,7 @@ const Char* read_conversion(const Char* at, Conversion* out) {
     if (length == 0) break;
     at += length;
   }
-  const unsigned char name = ascii(*at);
-  out->letter = kLetters.of[name];
-  out->is_pointer = (name | 0x20) == 'p';
+  out->letter = &kLetters.of[ascii(*at)];
   return at + 1;
 }
 

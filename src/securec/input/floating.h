@@ -40,7 +40,7 @@ class NumberCollector {
     bool has_digit = collect_digits();
     if (collect_point()) has_digit = collect_digits() || has_digit;
     if (has_digit && field_.accept_either('e', 'E')) {
-      put("e");
+      put('e');
       collect_sign();
       collect_digits();
     }
@@ -48,11 +48,11 @@ class NumberCollector {
   }
 
  private:
-  void put(const char* text) { text_.append(text, text + strlen(text)); }
+  void put(char c) { text_.append(&c, &c + 1); }
 
   void collect_sign() {
     if (field_.accept('-')) {
-      put("-");
+      put('-');
     } else {
       field_.accept('+');
     }
@@ -60,13 +60,13 @@ class NumberCollector {
 
   bool collect_digits() {
     bool has_digit = false;
-    field_.take_runs([&](const Char* begin, const Char* end) {
-      const Char* stop = begin;
-      while (stop != end && digit_value(*stop) < 10) ++stop;
-      if (!text_.append(begin, stop)) return begin;
-      has_digit = has_digit || stop != begin;
-      return stop;
-    });
+    const Char* stop;
+    do {
+      const Run<Char> run = field_.run();
+      for (stop = run.at(); stop != run.end() && digit_value(*stop) < 10;) ++stop;
+      if (!text_.append(run.at(), stop)) return false;
+      has_digit = has_digit || stop != run.at();
+    } while (field_.take_until(stop));
     return has_digit;
   }
 
@@ -77,7 +77,7 @@ class NumberCollector {
     const char* point = nl_langinfo(RADIXCHAR);
 #endif
     if (!accept_point(field_, point)) return false;
-    put(point);
+    text_.append(point, point + strlen(point));
     return true;
   }
 

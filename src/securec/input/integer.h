@@ -11,72 +11,83 @@
 namespace plx::securec::input {
 
 // The digits so far, in 64 bits. A larger number stays at the largest.
-class Magnitude {
- public:
-  explicit Magnitude(unsigned base) : base_(base) {}
-
-  template <typename Char>
-  const Char* take_digits(const Char* at, const Char* end) {
-    uint64_t value = value_;
-    for (; at != end; ++at) {
-      const unsigned digit = digit_value(*at);
-      if (digit >= base_) break;
-      if (value < kNeverTooLarge) {
-        value = value * base_ + digit;
-      } else if (__builtin_mul_overflow(value, base_, &value) ||
-                 __builtin_add_overflow(value, digit, &value)) {
-        too_large_ = true;
-      }
-    }
-    value_ = value;
-    return at;
-  }
+struct Magnitude {
+  uint64_t value = 0;
+  bool is_too_large = false;
 
   // As the bits of a 64-bit integer.
   uint64_t as_signed(bool negative) const {
     const uint64_t limit = uint64_t{INT64_MAX} + negative;
-    const uint64_t value = too_large_ || value_ > limit ? limit : value_;
-    return negative ? 0 - value : value;
+    const uint64_t bounded = value < limit ? value : limit;
+    return negative ? 0 - bounded : bounded;
   }
 
   // A sign negates, as in the C library, unless the number was too large.
   uint64_t as_unsigned(bool negative) const {
-    if (too_large_) return UINT64_MAX;
-    return negative ? 0 - value_ : value_;
+    return negative && !is_too_large ? 0 - value : value;
   }
-
- private:
-  // One more digit of any base fits behind a value below this.
-  static constexpr uint64_t kNeverTooLarge = uint64_t{1} << 60;
-
-  uint64_t value_ = 0;
-  unsigned base_;
-  bool too_large_ = false;
 };
 
-// Reads an integer as `conversion` wants it. Returns false when there is none: no digit stands
-// behind the sign or behind "0x".
+// Puts the digits of a run behind a number, however many. Returns where they end.
 template <typename Char>
-bool read_integer(const Conversion& conversion, Field<Char> field, uint64_t* out) {
-  const bool negative = field.accept('-');
-  if (!negative) field.accept('+');
-  unsigned base = conversion.letter.base;
+[[gnu::noinline]] const Char* take_many_digits(unsigned base, Run<Char> run, Magnitude* out) {
+  const Char* at = run.at();
+  for (unsigned digit; at != run.end() && (digit = digit_value(*at)) < base; ++at) {
+    if (__builtin_mul_overflow(out->value, base, &out->value) ||
+        __builtin_add_overflow(out->value, digit, &out->value)) {
+      out->is_too_large = true;
+    }
+    if (out->is_too_large) out->value = UINT64_MAX;
+  }
+  return at;
+}
+
+// The same, without a test of each digit where there are few.
+template <typename Char>
+[[gnu::always_inline]] inline const Char* take_digits(unsigned base, Run<Char> run,
+                                                      Magnitude* out) {
+  constexpr int kDigitsThatFit = 15;  // of any base
+  const Char* at = run.at();
+  const Char* const safe_end = run.end() - at > kDigitsThatFit ? at + kDigitsThatFit : run.end();
+  uint64_t value = 0;
+  for (unsigned digit; at != safe_end && (digit = digit_value(*at)) < base; ++at) {
+    value = value * base + digit;
+  }
+  if (out->value != 0 || (at == safe_end && at != run.end())) {
+    Magnitude all = *out;
+    at = take_many_digits(base, run, &all);
+    *out = all;
+  } else {
+    out->value = value;
+  }
+  return at;
+}
+
+// Reads an integer with the letter of a conversion from a Run or a Field. Returns false when there
+// is none: no digit stands behind the sign or behind "0x".
+template <typename Char, template <typename> class From>
+[[gnu::always_inline]] inline bool read_integer(const Letter& letter, From<Char>* from,
+                                                uint64_t* out) {
+  const bool negative = from->accept('-');
+  if (!negative) from->accept('+');
+  unsigned base = letter.base;
   bool has_digit = false;
-  if ((base == 0 || base == 16) && field.accept('0')) {
-    const bool has_prefix = field.accept_either('x', 'X');
+  if ((base == 0 || base == 16) && from->accept('0')) {
+    const bool has_prefix = from->accept_either('x', 'X');
     has_digit = !has_prefix;
     if (base == 0) base = has_prefix ? 16 : 8;
   } else if (base == 0) {
     base = 10;
   }
-  Magnitude magnitude(base);
-  field.take_runs([&](const Char* begin, const Char* end) {
-    const Char* stop = magnitude.take_digits(begin, end);
-    has_digit = has_digit || stop != begin;
-    return stop;
-  });
-  *out =
-      conversion.letter.is_signed ? magnitude.as_signed(negative) : magnitude.as_unsigned(negative);
+  Magnitude magnitude;
+  const Char* stop;
+  do {
+    const Run<Char> run = from->run();
+    // With a constant base a multiplication is an addition or two.
+    stop = base == 10 ? take_digits(10, run, &magnitude) : take_digits(base, run, &magnitude);
+    has_digit = has_digit || stop != run.at();
+  } while (from->take_until(stop));
+  *out = letter.is_signed ? magnitude.as_signed(negative) : magnitude.as_unsigned(negative);
   return has_digit;
 }
 

@@ -7,6 +7,7 @@
 
 #include "internal/wipe.h"
 #include "securec/input/keep_errno.h"
+#include "securec/input/short_decimal.h"
 
 namespace plx::securec::input {
 
@@ -36,6 +37,8 @@ bool NumberText::grow(size_t count) {
 }
 
 double NumberText::to_double() {
+  double value;
+  if (convert_short_decimal(text_, size_, &value)) return value;
   const KeepErrno keep_errno;
   text_[size_] = '\0';
   return strtod(text_, nullptr);

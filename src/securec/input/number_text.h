@@ -3,6 +3,7 @@
 #define PLX_SRC_SECUREC_INPUT_NUMBER_TEXT_H
 
 #include <stddef.h>
+#include <string.h>
 
 namespace plx::securec::input {
 
@@ -20,13 +21,18 @@ class NumberText {
   bool append(const Char* begin, const Char* end) {
     const size_t count = static_cast<size_t>(end - begin);
     if (!make_room(count)) return false;
-    for (const Char* p = begin; p != end; ++p) text_[size_++] = static_cast<char>(*p);
+    if constexpr (sizeof(Char) == 1) {
+      memcpy(text_ + size_, begin, count);
+    } else {
+      for (size_t i = 0; i < count; ++i) text_[size_ + i] = static_cast<char>(begin[i]);
+    }
+    size_ += count;
     return true;
   }
 
   bool failed() const { return failed_; }
 
-  // The value by the platform's strtod.
+  // The value that the platform's strtod gives.
   double to_double();
 
  private:

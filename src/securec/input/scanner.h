@@ -8,8 +8,6 @@
 #include <stdarg.h>
 #include <stddef.h>
 
-#include <algorithm>
-
 #include "securec/input/conversion.h"
 #include "securec/input/field.h"
 #include "securec/input/floating.h"
@@ -49,26 +47,30 @@ class Scanner {
   // How a directive ended. Everything but kDone ends the scan.
   enum class Step { kDone, kMismatch, kInputEnded, kNull };
 
-  Step follow_directive() {
-    if (is_space(*format_)) {
+  // The way of an integer is one function: calls would cost as much as its digits do.
+  [[gnu::always_inline]] Step follow_directive() {
+    if (*format_ == '%') {
+      ++format_;
+      if (*format_ != '%') return convert();
+    } else if (is_space(*format_)) {
       do {
         ++format_;
       } while (is_space(*format_));
       skip_white_space();
       return Step::kDone;
     }
-    if (*format_ == '%') {
-      ++format_;
-      if (*format_ != '%') return convert();
-    }
     return match_literal(*format_++);
   }
 
-  void skip_white_space() {
-    Field<Char>(source_, SIZE_MAX).take_runs([](const Char* begin, const Char* end) {
-      while (begin != end && is_space(*begin)) ++begin;
-      return begin;
-    });
+  // Returns false at the end of the input.
+  [[gnu::always_inline]] bool skip_white_space() {
+    while (source_.fill()) {
+      const Char* at = source_.at();
+      while (at != source_.end() && is_space(*at)) ++at;
+      source_.take_until(at);
+      if (at != source_.end()) return true;
+    }
+    return false;
   }
 
   Step match_literal(Char c) {
@@ -76,28 +78,47 @@ class Scanner {
     return Field<Char>(source_, 1).accept(c) ? Step::kDone : Step::kMismatch;
   }
 
-  Step convert() {
+  [[gnu::always_inline]] Step convert() {
+    const Letter& letter = kLetters.of[ascii(*format_)];
+    if (letter.kind == Kind::kNone || letter.is_modifier) return convert_with_options();
+    ++format_;
+    if (letter.kind != Kind::kInteger) return convert_other(Conversion{&letter});
+    return skip_white_space() ? convert_integer(Conversion{&letter}) : Step::kInputEnded;
+  }
+
+  [[gnu::noinline]] Step convert_with_options() {
     Conversion conversion;
-    SetList<Char> set;
     format_ = read_conversion(format_, &conversion);
-    const Kind kind = conversion.letter.kind;
-    if (kind == Kind::kNone) return Step::kMismatch;
-    if (kind == Kind::kSet) {
-      const Char* end = read_set_list(format_, &set);
-      if (end == nullptr) return Step::kMismatch;
-      format_ = end;
-    }
-    if (kind == Kind::kCount) return convert_count(conversion);
-    if (kind != Kind::kCharacters && kind != Kind::kSet) skip_white_space();
-    if (!source_.fill()) return Step::kInputEnded;
-    switch (kind) {
-      case Kind::kInteger:
-        return convert_integer(conversion);
+    if (conversion.letter->kind != Kind::kInteger) return convert_other(conversion);
+    return skip_white_space() ? convert_integer(conversion) : Step::kInputEnded;
+  }
+
+  // Everything but integers.
+  [[gnu::noinline]] Step convert_other(const Conversion& conversion) {
+    switch (conversion.letter->kind) {
       case Kind::kFloat:
-        return convert_floating(conversion);
+        return skip_white_space() ? convert_floating(conversion) : Step::kInputEnded;
+      case Kind::kString:
+        return skip_white_space() ? convert_text(conversion, nullptr) : Step::kInputEnded;
+      case Kind::kCharacters:
+        return source_.fill() ? convert_text(conversion, nullptr) : Step::kInputEnded;
+      case Kind::kSet:
+        return convert_set(conversion);
+      case Kind::kCount:
+        return convert_count(conversion);
       default:
-        return convert_text(conversion, set);
+        return Step::kMismatch;
     }
+  }
+
+  Step convert_set(const Conversion& conversion) {
+    SetList<Char> list;
+    const Char* end = read_set_list(format_, &list);
+    if (end == nullptr) return Step::kMismatch;
+    format_ = end;
+    if (!source_.fill()) return Step::kInputEnded;
+    const Scanset<Char> set(list);
+    return convert_text(conversion, &set);
   }
 
   // The characters that a conversion may take when its width does not say otherwise.
@@ -113,16 +134,32 @@ class Scanner {
     return Step::kDone;
   }
 
-  Step convert_integer(const Conversion& conversion) {
+  [[gnu::always_inline]] Step convert_integer(const Conversion& conversion) {
     void* dst = nullptr;
     if (!conversion.suppressed && (dst = va_arg(args_, void*)) == nullptr) return Step::kNull;
     uint64_t value;
-    const Field<Char> field(source_, width_of(conversion, SIZE_MAX));
-    if (!read_integer(conversion, field, &value)) return Step::kMismatch;
+    if (!take_integer(conversion, &value)) return Step::kMismatch;
     if (dst == nullptr) return Step::kDone;
     store_integer(dst, conversion.integer_size(), value);
     ++assigned_;
     return Step::kDone;
+  }
+
+  [[gnu::always_inline]] bool take_integer(const Conversion& conversion, uint64_t* out) {
+    Field<Char> field(source_, width_of(conversion, SIZE_MAX));
+    Run<Char> run = field.run();
+    const bool is_number = read_integer(*conversion.letter, &run, out);
+    // A number that may go on behind the window is read again, by the way that asks for more.
+    if (run.at() == source_.end() && !source_.is_last_window()) {
+      return take_integer_across_windows(*conversion.letter, field, out);
+    }
+    source_.take_until(run.at());
+    return is_number;
+  }
+
+  [[gnu::noinline]] static bool take_integer_across_windows(const Letter& letter, Field<Char> field,
+                                                            uint64_t* out) {
+    return read_integer(letter, &field, out);
   }
 
   Step convert_floating(const Conversion& conversion) {
@@ -137,14 +174,15 @@ class Scanner {
     return Step::kDone;
   }
 
-  Step convert_text(const Conversion& conversion, const SetList<Char>& set) {
+  // `set` is null for everything but %[.
+  [[gnu::noinline]] Step convert_text(const Conversion& conversion, const Scanset<Char>* set) {
     if (conversion.suppressed) return collect_text(conversion, set, NoDestination());
     return conversion.is_wide() ? store_text<wchar_t>(conversion, set)
                                 : store_text<char>(conversion, set);
   }
 
   template <typename Dst>
-  Step store_text(const Conversion& conversion, const SetList<Char>& set) {
+  Step store_text(const Conversion& conversion, const Scanset<Char>* set) {
     Dst* dst = va_arg(args_, Dst*);
     if (dst == nullptr) return Step::kNull;
     const unsigned dst_count = va_arg(args_, unsigned);
@@ -153,7 +191,7 @@ class Scanner {
       return Step::kMismatch;
     }
     if (!is_valid_capacity<Dst>(dst_count)) return Step::kMismatch;
-    const bool is_terminated = conversion.letter.kind != Kind::kCharacters;
+    const bool is_terminated = conversion.letter->kind != Kind::kCharacters;
     const TextDestination<Dst> room(dst, dst_count - (is_terminated ? 1 : 0));
     const Step step = collect_text(conversion, set, room);
     if (step == Step::kDone) ++assigned_;
@@ -161,20 +199,21 @@ class Scanner {
   }
 
   template <typename Destination>
-  Step collect_text(const Conversion& conversion, const SetList<Char>& set, Destination dst) {
-    const Kind kind = conversion.letter.kind;
-    const Scanset<Char> scanset(set);
+  Step collect_text(const Conversion& conversion, const Scanset<Char>* set, Destination dst) {
+    const Kind kind = conversion.letter->kind;
     Field<Char> field(source_, width_of(conversion, kind == Kind::kCharacters ? 1 : SIZE_MAX));
-    bool has_some = false, has_room = true;
-    field.take_runs([&](const Char* begin, const Char* end) {
+    bool has_some = false, has_room;
+    const Char* stored;
+    do {
+      const Run<Char> run = field.run();
       // One character more than fits is enough to see that the text does not.
-      if (static_cast<size_t>(end - begin) > dst.room()) end = begin + dst.room() + 1;
-      const Char* stop = run_end(kind, scanset, begin, end);
-      const Char* stored = dst.put(begin, stop);
-      has_some = has_some || stored != begin;
+      const bool is_longer = static_cast<size_t>(run.end() - run.at()) > dst.room();
+      const Char* const end = is_longer ? run.at() + dst.room() + 1 : run.end();
+      const Char* const stop = run_end(kind, set, run.at(), end);
+      stored = dst.put(run.at(), stop);
+      has_some = has_some || stored != run.at();
       has_room = stored == stop;
-      return stored;
-    });
+    } while (field.take_until(stored));
     if (!has_room) {
       dst.clear_first();
       return Step::kMismatch;
@@ -185,16 +224,9 @@ class Scanner {
   }
 
   // The first character that does not belong to the text.
-  static const Char* run_end(Kind kind, const Scanset<Char>& scanset, const Char* begin,
-                             const Char* end) {
-    switch (kind) {
-      case Kind::kString:
-        return std::find_if(begin, end, [](Char c) { return is_space(c); });
-      case Kind::kSet:
-        return std::find_if(begin, end, [&](Char c) { return !scanset.contains(c); });
-      default:
-        return end;
-    }
+  static const Char* run_end(Kind kind, const Scanset<Char>* set, const Char* at, const Char* end) {
+    if (kind == Kind::kString) return find_space(at, end);
+    return kind == Kind::kSet ? set->run_end(at, end) : end;
   }
 
   Source<Char>& source_;

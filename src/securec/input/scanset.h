@@ -51,20 +51,40 @@ class Scanset {
  public:
   explicit Scanset(const SetList<Char>& list) : list_(list) {
     any_range(list, [this](uint32_t low, uint32_t high) {
-      for (uint32_t c = low; c <= high && c < kMapped; ++c) bits_[c / 32] |= 1u << c % 32;
+      if (low < kMapped) add(low, high < kMapped ? high : kMapped - 1);
       return false;
     });
+    if (list.is_negated) {
+      for (uint32_t& word : bits_) word = ~word;
+    }
   }
 
-  bool contains(Char c) const { return is_listed(code(c)) != list_.is_negated; }
+  // The first character that does not belong to the set.
+  const Char* run_end(const Char* at, const Char* end) const {
+    while (at != end && contains(code(*at))) ++at;
+    return at;
+  }
 
  private:
   static constexpr uint32_t kMapped = 256;
 
+  void add(uint32_t low, uint32_t high) {
+    const uint32_t first = low / 32, last = high / 32;
+    const uint32_t from_low = ~0u << low % 32, to_high = ~0u >> (31 - high % 32);
+    if (first == last) {
+      bits_[first] |= from_low & to_high;
+      return;
+    }
+    bits_[first] |= from_low;
+    for (uint32_t word = first + 1; word < last; ++word) bits_[word] = ~0u;
+    bits_[last] |= to_high;
+  }
+
   // Wide characters beyond the map are looked up in the list.
-  bool is_listed(uint32_t c) const {
-    if (c < kMapped) return (bits_[c / 32] >> c % 32 & 1) != 0;
-    return any_range(list_, [c](uint32_t low, uint32_t high) { return low <= c && c <= high; });
+  bool contains(uint32_t c) const {
+    if (sizeof(Char) == 1 || c < kMapped) return (bits_[c / 32] >> c % 32 & 1) != 0;
+    const auto has = [c](uint32_t low, uint32_t high) { return low <= c && c <= high; };
+    return any_range(list_, has) != list_.is_negated;
   }
 
   SetList<Char> list_;

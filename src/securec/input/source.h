@@ -26,6 +26,9 @@ class SourceBase {
   // Takes the characters before `stop`, which lies within the window.
   void take_until(const Char* stop) { at_ = stop; }
 
+  // Whether the window is all there will ever be.
+  bool is_last_window() const { return refill_ == nullptr; }
+
   // Characters taken since the scan began.
   size_t taken() const { return taken_before_ + static_cast<size_t>(at_ - begin_); }
 

@@ -1,6 +1,9 @@
 // Cross products against the C library's sscanf, where both follow the same rules. The places
 // where they do not are listed, each with its reason.
+#include <fenv.h>
 #include <gtest/gtest.h>
+
+#include <random>
 
 #include "securec/input/scan.h"
 
@@ -73,6 +76,26 @@ TEST(Platform, FloatsAgree) {
       for (const char* letter : {"lf", "le", "lg", "lE", "lG"}) {
         expect_agreement(text, std::string("%") + width + letter + "%n", "d i4", "d i4");
       }
+    }
+  }
+}
+
+// Short decimals do not go through strtod, in any mode of rounding.
+TEST(Platform, DecimalsAreRoundedAsByStrtod) {
+  std::mt19937 random(1);
+  const auto below = [&](unsigned n) { return random() % n; };
+  for (const int mode : {FE_TONEAREST, FE_UPWARD, FE_DOWNWARD, FE_TOWARDZERO}) {
+    for (int i = 0; i < 20000; ++i) {
+      std::string text = below(2) == 0 ? "-" : "";
+      for (unsigned digits = 1 + below(18); digits > 0; --digits) text += "0123456789"[below(10)];
+      if (below(4) != 0) text.insert(text.size() - below(static_cast<unsigned>(text.size())), ".");
+      if (below(2) == 0) text += "e" + std::to_string(static_cast<int>(below(60)) - 30);
+      double value = 0;
+      fesetround(mode);
+      const double expected = strtod(text.c_str(), nullptr);
+      sscanf_s(text.c_str(), "%lf", &value);
+      fesetround(FE_TONEAREST);
+      ASSERT_EQ(0, memcmp(&expected, &value, sizeof value)) << text << " in mode " << mode;
     }
   }
 }
