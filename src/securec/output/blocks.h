@@ -49,14 +49,26 @@ inline void copy_block(wchar_t* dst, const char* src, size_t count) {
   std::copy_n(src, count, dst);
 }
 
+template <typename Word>
+inline void fill_overlapping(char* dst, char c, size_t size) {
+  constexpr Word kOnes = static_cast<Word>(0x0101010101010101);
+  const Word pattern = static_cast<Word>(kOnes * static_cast<unsigned char>(c));
+  memcpy(dst, &pattern, sizeof pattern);
+  memcpy(dst + size - sizeof pattern, &pattern, sizeof pattern);
+}
+
 inline void fill_block(char* dst, char c, size_t size) {
   if (size > 16) {
     memset(dst, c, size);
-    return;
+  } else if (size >= 8) {
+    fill_overlapping<uint64_t>(dst, c, size);
+  } else if (size >= 4) {
+    fill_overlapping<uint32_t>(dst, c, size);
+  } else if (size >= 2) {
+    fill_overlapping<uint16_t>(dst, c, size);
+  } else if (size != 0) {
+    *dst = c;
   }
-  char pattern[16];
-  memset(pattern, c, sizeof pattern);
-  copy_block(dst, pattern, size);
 }
 
 inline void fill_block(wchar_t* dst, char c, size_t count) {

@@ -78,7 +78,8 @@ bool convert_integer(Writer<Char>* out, const Conversion& conversion, Arguments*
 }
 
 template <typename Char>
-bool convert_pointer(Writer<Char>* out, const Conversion& conversion, Arguments* arguments) {
+__attribute__((noinline)) bool convert_pointer(Writer<Char>* out, const Conversion& conversion,
+                                               Arguments* arguments) {
   const uintptr_t address = reinterpret_cast<uintptr_t>(va_arg(arguments->list, void*));
   if (address != 0) return put_integer(out, conversion, format_pointer(conversion, address));
   constexpr char kNil[] = "(nil)";
@@ -89,9 +90,12 @@ bool convert_pointer(Writer<Char>* out, const Conversion& conversion, Arguments*
 template <typename Char>
 __attribute__((noinline)) bool convert_float(Writer<Char>* out, const Conversion& conversion,
                                              Arguments* arguments) {
-  FloatText text;
-  FloatField field;
-  return !text.format(conversion, arguments, &field) || put_float(out, conversion, field);
+  FloatText number;
+  if (!number.print(conversion, arguments)) return true;
+  if (number.is_whole(conversion)) {
+    return write_multibyte(out, number.text(), number.size(), number.size());
+  }
+  return put_float(out, conversion, number.frame(conversion));
 }
 
 template <typename Char>

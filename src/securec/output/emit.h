@@ -33,20 +33,24 @@ bool put_padded(Writer<Char>* out, const Conversion& conversion, size_t size, Bo
          (!left || out->write_multi_char(' ', pad));
 }
 
-inline bool write_body(Writer<char>* out, const FloatField& field) {
-  return out->write_string(field.body, field.body_size);
+// Writes multibyte text of `size` bytes and at most `max` characters.
+inline bool write_multibyte(Writer<char>* out, const char* text, size_t size, size_t) {
+  return out->write_string(text, size);
 }
-inline bool write_body(Writer<wchar_t>* out, const FloatField& field) {
-  // The platform's text may hold a decimal point of several bytes.
-  return write_converted(out, field.body, field.text_columns - field.tail_size);
+inline bool write_multibyte(Writer<wchar_t>* out, const char* text, size_t, size_t max) {
+  return write_converted(out, text, max);
 }
 
+// Apart, for few floats are padded.
 template <typename Char>
-bool put_float(Writer<Char>* out, const Conversion& conversion, const FloatField& field) {
+__attribute__((noinline)) bool put_float(Writer<Char>* out, const Conversion& conversion,
+                                         const FloatField& field) {
   const size_t zeros = field.zero_pads ? padding(conversion, field.columns()) : 0;
   return put_padded(out, conversion, field.columns() + zeros, [&] {
     return out->write_ascii(field.prefix.text, field.prefix.size) &&
-           out->write_multi_char('0', zeros) && write_body(out, field) &&
+           out->write_multi_char('0', zeros) &&
+           write_multibyte(out, field.body, field.body_size,
+                           field.text_columns - field.tail_size) &&
            out->write_multi_char('0', field.zeros) &&
            out->write_ascii(field.body + field.body_size, field.tail_size);
   });
@@ -67,11 +71,18 @@ bool draw_integer(Sink* sink, const Conversion& conversion, const IntegerField& 
          sink->write_multi_char(' ', left ? spaces : 0);
 }
 
+// Apart, for it is large and few numbers run out of room.
+template <typename Char>
+__attribute__((noinline)) bool draw_cut_integer(Writer<Char>* out, const Conversion& conversion,
+                                                const IntegerField& field, size_t pad) {
+  return draw_integer(out, conversion, field, pad);
+}
+
 template <typename Char>
 bool put_integer(Writer<Char>* out, const Conversion& conversion, const IntegerField& field) {
   const size_t pad = padding(conversion, field.columns());
   const size_t size = field.columns() + pad;
-  if (size > out->room()) return draw_integer(out, conversion, field, pad);
+  if (size > out->room()) return draw_cut_integer(out, conversion, field, pad);
   Pen<Char> pen = out->claim(size);
   return draw_integer(&pen, conversion, field, pad);
 }
@@ -86,8 +97,8 @@ bool put_text(Writer<Char>* out, const Conversion& conversion, const Char* text,
 
 // Text of the other width is converted as it is written. Fields count its characters.
 template <typename Char, typename Other>
-bool put_converted_text(Writer<Char>* out, const Conversion& conversion, const Other* text,
-                        size_t max) {
+__attribute__((noinline)) bool put_converted_text(Writer<Char>* out, const Conversion& conversion,
+                                                  const Other* text, size_t max) {
   const size_t reach = static_cast<size_t>(conversion.width);
   const size_t size = reach != 0 ? count_characters(text, std::min(max, reach)) : 0;
   return put_padded(out, conversion, size, [&] { return write_converted(out, text, max); });

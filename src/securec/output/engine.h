@@ -18,35 +18,73 @@
 
 namespace plx::securec {
 
-// Where the literal text at `text` ends: at a '%' or at the terminator. Between two conversions
-// there is seldom much of it, and often nothing.
-inline const char* find_percent(const char* text) {
-  for (int i = 0; i < 4; ++i, ++text) {
-    if (*text == 0 || *text == '%') return text;
+// Finds where literal text ends: at a '%' or at the terminator. Between two conversions there is
+// seldom much of it, and often nothing.
+template <typename Char>
+class LiteralEnd {
+ public:
+  const Char* find(const Char* text) {
+    for (int i = 0; i < kShort; ++i, ++text) {
+      if (*text == 0 || *text == '%') return text;
+    }
+    return find_far(text);
   }
+
+ private:
+  static constexpr int kShort = 4;
+
+  const Char* find_far(const Char* text);
+
+  // Of the whole format, once it is known: the C library finds one wide character or the other.
+  const Char* format_end_ = nullptr;
+};
+
+template <>
+inline const char* LiteralEnd<char>::find_far(const char* text) {
 #ifdef __ANDROID__  // has strchrnul only since Android 7
   return text + strcspn(text, "%");
 #else
   return strchrnul(text, '%');
 #endif
 }
-inline const wchar_t* find_percent(const wchar_t* text) {
-  while (*text != 0 && *text != L'%') ++text;
-  return text;
+
+template <>
+inline const wchar_t* LiteralEnd<wchar_t>::find_far(const wchar_t* text) {
+  if (format_end_ == nullptr) format_end_ = text + wcslen(text);
+  const wchar_t* percent = wmemchr(text, L'%', static_cast<size_t>(format_end_ - text));
+  return percent != nullptr ? percent : format_end_;
+}
+
+// A conversion that is nothing but its letter. What its missing parts would do is settled when this
+// is compiled.
+template <char kLetter, typename Char>
+bool convert_plain(Writer<Char>* out, Arguments* arguments) {
+  Conversion conversion;
+  conversion.letter = kLetter;
+  return convert(out, conversion, arguments);
 }
 
 // False when the format is refused, a text does not convert, or the room has run out.
 template <typename Char>
 __attribute__((flatten)) bool write_formatted(Writer<Char>* out, const Char* format,
                                               Arguments* arguments) {
+  LiteralEnd<Char> literal_end;
   const Char* literal = format;
   for (;;) {
-    const Char* const percent = find_percent(format);
+    const Char* const percent = literal_end.find(format);
     if (percent != literal && !out->write_string(literal, static_cast<size_t>(percent - literal))) {
       return false;
     }
     if (*percent == 0) return true;
     literal = percent + 1;
+    // The two commonest conversions need no reading.
+    if (*literal == 'd' || *literal == 's') {
+      const bool goes_on =
+          *literal == 'd' ? convert_plain<'d'>(out, arguments) : convert_plain<'s'>(out, arguments);
+      if (!goes_on) return false;
+      format = ++literal;
+      continue;
+    }
     Conversion conversion;
     const Reading reading = read_conversion(&literal, arguments, &conversion);
     if (reading == Reading::kRefused) return false;

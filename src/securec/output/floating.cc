@@ -3,7 +3,7 @@
 #include <float.h>
 #include <limits.h>
 #include <stdio.h>
-#include <string.h>
+#include <stdlib.h>
 
 #include <algorithm>
 #include <new>
@@ -15,6 +15,9 @@ namespace plx::securec {
 namespace {
 
 constexpr int kDefaultPrecision = 6;
+
+// Flags that are the platform's affair.
+constexpr unsigned kAnyFlag = Conversion::kAlternate | Conversion::kSpace | Conversion::kPlus;
 
 template <typename Float>
 struct FloatLimits;
@@ -35,54 +38,51 @@ struct FloatLimits<long double> {
 };
 
 constexpr bool is_digit(char c) { return c >= '0' && c <= '9'; }
-constexpr bool is_ascii(char c) { return static_cast<unsigned char>(c) < 0x80; }
 
 constexpr bool is_fixed(char letter) { return letter == 'f' || letter == 'F'; }
 constexpr bool is_general(char letter) { return letter == 'g' || letter == 'G'; }
 
-// The conversion anew, from what was understood of it. The field's width is our own affair, so a
-// wide one costs the platform nothing.
+// The conversion anew, from what was understood of it. The field's width is our own affair, so that
+// a wide one costs the platform nothing.
 struct PlatformFormat {
-  char text[9];  // "%# +.*Lf"
+  char text[16];  // "%# +.16445Lf"
 
-  explicit PlatformFormat(const Conversion& conversion) {
+  PlatformFormat(const Conversion& conversion, int precision, const char* size) {
     char* end = text;
     *end++ = '%';
     if (conversion.has(Conversion::kAlternate)) *end++ = '#';
     if (conversion.has(Conversion::kSpace)) *end++ = ' ';
     if (conversion.has(Conversion::kPlus)) *end++ = '+';
     *end++ = '.';
-    *end++ = '*';
-    if (conversion.has(Conversion::kLongDouble)) *end++ = 'L';
+    const Digits digits = {static_cast<uint64_t>(precision), 0, false};
+    end += digits.count();
+    digits.write(end);
+    while (*size != 0) *end++ = *size++;
     *end++ = conversion.letter;
     *end = 0;
   }
 };
 
-// Takes the platform's text apart, as far as zeros go between.
-FloatField frame(const Conversion& conversion, const char* text, size_t size, int missing_digits) {
-  FloatField field;
-  const char* const end = text + size;
-  const bool has_sign = *text == '-' || *text == '+' || *text == ' ';
-  const bool is_finite = is_digit(text[has_sign ? 1 : 0]);
-  field.zero_pads = is_finite && conversion.pads_with_zeros();
-  if (has_sign && field.zero_pads) field.prefix.add(*text++);
-  field.body = text;
-  field.body_size = field.text_columns = static_cast<size_t>(end - text);
-  if (!std::all_of(text, end, is_ascii))
-    field.text_columns = count_characters(text, field.body_size);
-  // A general number drops the zeros at its end, unless told to keep them.
-  if (missing_digits == 0 || !is_finite ||
-      (is_general(conversion.letter) && !conversion.has(Conversion::kAlternate))) {
-    return field;
-  }
-  field.zeros = static_cast<size_t>(missing_digits);
-  if (!is_fixed(conversion.letter)) {
-    const char* exponent = std::find_if(text, end, [](char c) { return c == 'e' || c == 'E'; });
-    field.tail_size = static_cast<size_t>(end - exponent);
-    field.body_size -= field.tail_size;
-  }
-  return field;
+// The C library prints one number, in at most `size` bytes. Where it has the functions of C23 for
+// just that, they save the walk through a format.
+#if defined(__GLIBC_PREREQ)
+#if __GLIBC_PREREQ(2, 25)
+#define PLX_HAS_STRFROM 1
+#endif
+#endif
+
+int print_number(char* dst, size_t size, const Conversion& conversion, int precision,
+                 double value) {
+  const PlatformFormat format(conversion, precision, "");
+#ifdef PLX_HAS_STRFROM
+  if (!conversion.has(kAnyFlag)) return strfromd(dst, size, format.text, value);
+#endif
+  return snprintf(dst, size, format.text, value);
+}
+
+int print_number(char* dst, size_t size, const Conversion& conversion, int precision,
+                 long double value) {
+  return snprintf(dst, size, PlatformFormat(conversion, precision, "L").text, value);
 }
 
 }  // namespace
@@ -93,7 +93,7 @@ char* FloatText::reserve(size_t size) {
 }
 
 template <typename Float>
-bool FloatText::format_value(const Conversion& conversion, Float value, FloatField* field) {
+inline bool FloatText::print_value(const Conversion& conversion, Float value) {
   using Limits = FloatLimits<Float>;
   const int precision = conversion.has_precision() ? conversion.precision : kDefaultPrecision;
   if (precision > INT_MAX - Limits::kFrame) return false;
@@ -109,19 +109,42 @@ bool FloatText::format_value(const Conversion& conversion, Float value, FloatFie
     buffer = reserve(size);
     if (buffer == nullptr) return false;
   }
-  const PlatformFormat format(conversion);
-  const int length = snprintf(buffer, size, format.text, digits, value);
-  if (length < 0 || static_cast<size_t>(length) >= size) return false;
-  *field = frame(conversion, buffer, static_cast<size_t>(length), precision - digits);
-  return true;
+  const int length = print_number(buffer, size, conversion, digits, value);
+  size_ = static_cast<size_t>(length);
+  missing_digits_ = static_cast<size_t>(precision - digits);
+  return length >= 0 && size_ < size;
 }
 
-bool FloatText::format(const Conversion& conversion, Arguments* arguments, FloatField* field) {
+bool FloatText::print(const Conversion& conversion, Arguments* arguments) {
   const KeepErrno keep;
   if (conversion.has(Conversion::kLongDouble)) {
-    return format_value(conversion, va_arg(arguments->list, long double), field);
+    return print_value(conversion, va_arg(arguments->list, long double));
   }
-  return format_value(conversion, va_arg(arguments->list, double), field);
+  return print_value(conversion, va_arg(arguments->list, double));
+}
+
+FloatField FloatText::frame(const Conversion& conversion) const {
+  FloatField field;
+  const char* begin = text();
+  const char* const end = begin + size_;
+  const bool has_sign = *begin == '-' || *begin == '+' || *begin == ' ';
+  const bool is_finite = is_digit(begin[has_sign ? 1 : 0]);
+  field.zero_pads = is_finite && conversion.pads_with_zeros();
+  if (has_sign && field.zero_pads) field.prefix.add(*begin++);
+  field.body = begin;
+  field.body_size = static_cast<size_t>(end - begin);
+  field.text_columns = count_characters(begin, field.body_size);
+  // A general number drops the zeros at its end, unless told to keep them.
+  if (!is_finite || (is_general(conversion.letter) && !conversion.has(Conversion::kAlternate))) {
+    return field;
+  }
+  field.zeros = missing_digits_;
+  if (!is_fixed(conversion.letter)) {
+    const char* exponent = std::find_if(begin, end, [](char c) { return c == 'e' || c == 'E'; });
+    field.tail_size = static_cast<size_t>(end - exponent);
+    field.body_size -= field.tail_size;
+  }
+  return field;
 }
 
 }  // namespace plx::securec

@@ -63,14 +63,8 @@ class Pen {
   }
 
   bool write_digits(const Digits& digits, size_t count) {
-    if constexpr (sizeof(Char) == 1) {
-      digits.write(advance(count) + count);
-      return true;
-    } else {
-      char text[kMaxDigits];
-      digits.write(text + count);
-      return write_ascii(text, count);
-    }
+    digits.write(advance(count) + count);
+    return true;
   }
 
  private:
