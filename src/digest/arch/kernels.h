@@ -3,6 +3,8 @@
 #ifndef PLX_SRC_DIGEST_ARCH_KERNELS_H
 #define PLX_SRC_DIGEST_ARCH_KERNELS_H
 
+#include <iterator>
+
 #include "digest/base64_groups.h"
 #include "internal/cpu.h"
 
@@ -23,6 +25,23 @@ struct KernelList {
   const T* begin() const { return first; }
   const T* end() const { return first + count; }
 };
+
+// The first kernel of a list that the processor can run. Lists end in one that needs nothing.
+template <typename List>
+const auto& first_supported(const List& kernels) {
+  auto kernel = std::begin(kernels);
+  while (!kernel->supported()) ++kernel;
+  return *kernel;
+}
+
+// The first that the processor has instructions of its own for; null when there is none.
+template <typename List>
+auto first_in_hardware(const List& kernels) -> decltype(std::begin(kernels)) {
+  for (const auto& kernel : kernels) {
+    if (kernel.features != cpu::kNothing && kernel.supported()) return &kernel;
+  }
+  return nullptr;
+}
 
 // The compression function of SHA-256 over whole blocks. The last two are the portable ones of the
 // two families; each family falls back to its own.
@@ -47,20 +66,13 @@ struct Base64Kernel : Kernel {
 extern const KernelList<Base64Kernel> kBase64Kernels;
 
 // DES over whole blocks, as des.h has it. Worth its while from `min_blocks` on; any number works.
+inline constexpr size_t kNever = static_cast<size_t>(-1);
 struct DesKernel : Kernel {
   size_t min_blocks;
   void (*blocks)(const uint32_t* subkeys, int num_passes, uint8_t* out, const uint8_t* in,
                  size_t num_blocks);
 };
 extern const KernelList<DesKernel> kDesKernels;
-
-// The first of a list that the processor can run.
-template <typename T>
-const T& first_supported(const KernelList<T>& kernels) {
-  const T* kernel = kernels.first;
-  while (!kernel->supported()) ++kernel;  // the last one needs nothing
-  return *kernel;
-}
 
 }  // namespace plx::digest
 
