@@ -1,5 +1,5 @@
 // Runs a fuzz target over files and folders of inputs, so that the corpus is a test with any
-// compiler and on any machine.
+// compiler and on any machine; with --random COUNT over so many random inputs instead.
 // Folders of a 64-bit machine have numbers that a 32-bit program must be ready for.
 #define _FILE_OFFSET_BITS 64
 
@@ -7,9 +7,12 @@
 #include <stddef.h>
 #include <stdint.h>
 #include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -32,6 +35,18 @@ bool replay_file(const std::string& path) {
   return true;
 }
 
+// Inputs that are random, and the same in every run.
+size_t run_random_inputs(size_t count) {
+  constexpr size_t kLongest = 600;
+  std::mt19937 random(1);
+  for (size_t i = 0; i < count; ++i) {
+    std::vector<uint8_t> input(random() % kLongest);
+    for (uint8_t& byte : input) byte = static_cast<uint8_t>(random());
+    LLVMFuzzerTestOneInput(input.data(), input.size());
+  }
+  return count;
+}
+
 std::vector<std::string> files_below(const std::string& path) {
   struct stat info;
   if (stat(path.c_str(), &info) != 0 || !S_ISDIR(info.st_mode)) return {path};
@@ -50,6 +65,10 @@ std::vector<std::string> files_below(const std::string& path) {
 
 int main(int argc, char** argv) {
   size_t replayed = 0;
+  if (argc == 3 && strcmp(argv[1], "--random") == 0) {
+    replayed = run_random_inputs(strtoul(argv[2], nullptr, 10));
+    argc = 1;
+  }
   for (int i = 1; i < argc; ++i) {
     for (const std::string& file : files_below(argv[i])) {
       if (!replay_file(file)) return 1;

@@ -23,36 +23,6 @@ int compare_ints(const void* a, const void* b) {
   return x < y ? -1 : x > y;
 }
 
-// The sort step by step, with every swap that callers can see in the order of equal elements.
-void model_sort(void** items, int lo, int hi, Compare compare) {
-  if (lo >= hi) return;
-  std::swap(items[lo], items[(lo + hi) / 2]);
-  int last = lo;
-  for (int i = lo + 1; i <= hi; ++i) {
-    if (compare(items[i], items[lo]) < 0) std::swap(items[++last], items[i]);
-  }
-  std::swap(items[lo], items[last]);
-  model_sort(items, lo, last - 1, compare);
-  model_sort(items, last + 1, hi, compare);
-}
-
-TEST(ArraySort, SwapsAsTheModelDoes) {
-  std::mt19937 random(5);
-  for (int round = 0; round < 3000; ++round) {
-    std::vector<int> values(random() % 60);
-    const unsigned distinct = 1 + random() % 40;
-    for (int& value : values) value = static_cast<int>(random() % distinct) - 10;
-    PLX_array* array = array_of(values);
-    std::vector<void*> expected(array->items, array->items + values.size());
-    model_sort(expected.data(), 0, array->count - 1, compare_ints);
-    PLX_array_sort(array, compare_ints);
-    ASSERT_TRUE(std::equal(expected.begin(), expected.end(), array->items)) << round;
-    ASSERT_TRUE(std::is_sorted(expected.begin(), expected.end(),
-                               [](void* a, void* b) { return compare_ints(a, b) < 0; }));
-    PLX_array_destroyWithoutClean(array);
-  }
-}
-
 std::mt19937 nonsense;
 
 TEST(ArraySort, NonsenseLosesNothing) {

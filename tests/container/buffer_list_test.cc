@@ -54,66 +54,6 @@ TEST(BufferList, InitPrintsItsLine) {
   }
 }
 
-TEST(BufferList, LongRunsAgreeWithTheModel) {
-  constexpr int kBufs = 5, kSize = 8;
-  std::string printed;
-  PLX_bufList* list = create(kBufs, kSize, &printed);
-  ASSERT_NE(nullptr, list);
-  std::vector<void*> pool;  // last in, first out
-  for (int i = kBufs; i-- > 0;) pool.push_back(list->data + i * kSize);
-  for (int i = 0; i < kBufs; ++i) {
-    EXPECT_EQ(pool[kBufs - 1 - i], list->nodes[i].buf);
-    EXPECT_EQ(kSize, list->nodes[i].len);
-    EXPECT_EQ(std::string(kSize, '\0'),
-              std::string(list->data + i * kSize, list->data + (i + 1) * kSize));
-  }
-  std::deque<std::pair<void*, int>> queue;
-  char foreign;
-  std::mt19937 random(9);
-  for (int round = 0; round < 50000; ++round) {
-    void* buf = &foreign;
-    int len = -7;
-    switch (random() % 4) {
-      case 0:
-        if (pool.empty()) {
-          ASSERT_EQ(-2, PLX_bufList_getUseableBuf(list, &buf));
-          break;
-        }
-        ASSERT_EQ(0, PLX_bufList_getUseableBuf(list, &buf));
-        ASSERT_EQ(pool.back(), buf);
-        pool.pop_back();
-        ASSERT_EQ(-3, PLX_bufList_push_back(list, buf, kSize + 1));
-        ASSERT_EQ(-3, PLX_bufList_push_back(list, buf, INT_MAX));
-        ASSERT_EQ(-1, PLX_bufList_push_back(list, nullptr, 1));
-        if (random() % 50 == 0) buf = &foreign;  // stays in the node: callers depend on it
-        len = static_cast<int>(random() % 10) - 1;
-        if (len > kSize) len = kSize;
-        ASSERT_EQ(0, PLX_bufList_push_back(list, buf, len));
-        queue.push_back({buf, len});
-        break;
-      case 1:
-      case 2: {
-        const bool pops = random() % 2 == 0;
-        const int code =
-            pops ? PLX_bufList_pop_front(list, &buf, &len) : PLX_bufList_front(list, &buf, &len);
-        ASSERT_EQ(queue.empty() ? -1 : 0, code);
-        ASSERT_EQ(queue.empty() ? &foreign : queue.front().first, buf);
-        ASSERT_EQ(queue.empty() ? -7 : queue.front().second, len);
-        if (!pops || queue.empty()) break;
-        pool.push_back(buf);
-        queue.pop_front();
-        break;
-      }
-      case 3:
-        if (random() % 10 != 0) break;
-        ASSERT_EQ(0, PLX_bufList_clearAllBufList(list));
-        for (; !queue.empty(); queue.pop_front()) pool.push_back(queue.front().first);
-    }
-    ASSERT_EQ(static_cast<int>(queue.size()), list->usedCount);
-  }
-  PLX_bufList_realse(list);
-}
-
 TEST(BufferList, RefusesNullAndEmpty) {
   std::string printed;
   PLX_bufList* list = create(2, 4, &printed);

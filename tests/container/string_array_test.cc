@@ -32,57 +32,6 @@ int push_back(StringArray* array, const char* text) {
   return code;
 }
 
-TEST(StringArray, LongRunsAgreeWithTheModel) {
-  std::mt19937 random(11);
-  for (int run = 0; run < 60; ++run) {
-    StringArray array;
-    std::vector<std::string> model;
-    int capacity = 0;
-    for (int round = 0; round < 150; ++round) {
-      const std::string text(random() % 20, static_cast<char>('a' + random() % 26));
-      const int extreme[] = {INT_MIN, -1, array.size, INT_MAX};
-      const int index = random() % 4 == 0 ? extreme[random() % 4]
-                                          : static_cast<int>(random() % (model.size() + 1));
-      const bool inside = index >= 0 && index < array.size;
-      switch (random() % 8) {
-        case 0: {
-          const char* const last = inside ? array.entries[array.size - 1] : nullptr;
-          array.erase(index);
-          if (!inside) break;
-          model.erase(model.begin() + index);
-          // The slot that falls out of use keeps its pointer.
-          ASSERT_EQ(index < array.size ? last : nullptr, array.entries[array.size]);
-          break;
-        }
-        case 1:
-          array.setEntry(index, text.c_str());
-          if (inside) model[index] = text;
-          break;
-        case 2:
-          if (!inside || model[index] == "(null)" || model[index].empty()) break;
-          array.setEntry(index, array.entries[index] + 1);
-          model[index].erase(0, 1);
-          break;
-        case 3:
-          array.sort(StringArray::cmpAscendingAlpha);
-          std::sort(model.begin(), model.end());  // "(" sorts before letters, "" before both
-          std::stable_partition(model.begin(), model.end(),
-                                [](const std::string& s) { return s == "(null)"; });
-          break;
-        default:
-          ASSERT_EQ(1, push_back(&array, text.c_str()));
-          if (static_cast<int>(model.size()) == capacity) {
-            capacity = capacity == 0 ? 16 : 2 * capacity;
-            std::fill(model.begin(), model.end(), "(null)");  // callers depend on the loss
-          }
-          model.push_back(text);
-      }
-      ASSERT_EQ(capacity, array.capacity);
-      ASSERT_EQ(model, contents(array));
-    }
-  }
-}
-
 TEST(StringArray, RefusesNullAndFullCapacity) {
   StringArray array;
   EXPECT_EQ(0, array.capacity);

@@ -96,9 +96,7 @@ class Reference : public testing::Test {
   void check(const string& ours, int got, const string& platform, int wanted) {
     const bool same = got == wanted && got >= 0 &&
                       std::equal(mine_.begin(), mine_.begin() + got + 1, theirs_.begin());
-    const auto start = [](const auto& text) { return string(text.begin(), text.begin() + 50); };
-    EXPECT_TRUE(same) << ours << " gives " << got << start(mine_) << "\nwhere " << platform
-                      << " gives " << wanted << start(theirs_);
+    EXPECT_TRUE(same) << ours << " gives " << got << ", " << platform << " gives " << wanted;
   }
 
   std::vector<Char> mine_ = std::vector<Char>(kCount), theirs_ = std::vector<Char>(kCount);
@@ -127,6 +125,19 @@ TYPED_TEST(Reference, Integers) {
       agree(string("l") + letter, integers<long>());
       agree(string("z") + letter, integers<size_t>());
       agree(string("ll") + letter, integers<long long>());
+    }
+  }
+}
+
+// Where a number gets one digit more, in each base.
+TYPED_TEST(Reference, EveryLengthOfNumber) {
+  std::vector<unsigned long long> values;
+  for (int bit = 0; bit < 64; ++bit) values.push_back(1ULL << bit);
+  for (unsigned long long power = 1; power < ULLONG_MAX / 10; power *= 10)
+    values.push_back(power * 10);
+  for (const unsigned long long value : values) {
+    for (const unsigned long long v : {value - 1, value}) {
+      this->compare("%llu %llX %llo", "%llu %llX %llo", v, v, v);
     }
   }
 }
