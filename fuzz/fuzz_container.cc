@@ -10,7 +10,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   using namespace plx_fuzz;
   constexpr void (*kRuns[])(Program&) = {run_array, run_hash_table, run_buffer_list,
                                          run_string_array, run_text};
-  Program program(data, size);
+  Program program(data, size < 1024 ? size : 1024);
   kRuns[program.below(sizeof kRuns / sizeof *kRuns)](program);
   return 0;
 }

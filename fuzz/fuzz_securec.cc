@@ -297,7 +297,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
                                            check_string<char>, check_string<wchar_t>,
                                            check_tokens<char>, check_tokens<wchar_t>,
                                            check_string<char>, check_lines};
-  Program program(data, size);
+  Program program(data, std::min<size_t>(size, 256));
   kChecks[program.below(sizeof kChecks / sizeof *kChecks)](program);
   return 0;
 }
