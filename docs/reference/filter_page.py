@@ -1,11 +1,22 @@
 #!/usr/bin/env python3
 """Doxygen's input filter for the guide's pages: what GitHub reads and doxygen does not.
 
-A fence's words behind the language (they steer the tests) go, and a heading gets the anchor that
-links on other pages name.
+A fence's words behind the language (they steer the tests) go, what doxygen would take for its own
+commands is escaped, and a link to a header leads to its page.
 """
+import html
 import re
 import sys
+
+
+def escaped(found):
+    """A piece of code, or an @ outside code."""
+    if found[1] is None:
+        return "\\@"
+    if "\\" not in found[1]:
+        return found[0]
+    # The backslashes of a piece of code are not safe between backquotes, least of all in a table.
+    return "<code>%s</code>" % html.escape(found[1], quote=False).replace("\\", "\\\\")
 
 
 def main():
@@ -18,9 +29,8 @@ def main():
         if line.startswith("```"):
             fenced = not fenced
         if not fenced:
-            # Outside code doxygen takes these for its own commands.
-            line = re.sub(r"(`[^`]*`)|(?<![\\\w])@(\w)",
-                          lambda m: m[1] if m[1] else "\\\\@" + m[2], line)
+            line = re.sub(r"`([^`]*)`|(?<![\\\w])@(?=\w)", escaped, line)
+            line = re.sub(r"\]\((?:\.\./)?include/plx/(\w+)\.h\)", r"](\1_8h.html)", line)
         out.append(line)
     sys.stdout.write("\n".join(out))
 

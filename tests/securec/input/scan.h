@@ -36,7 +36,7 @@ Char* guarded(const std::string& ascii, size_t which = 0) {
 
 // Destinations, one for each word of a description, each at the end of accessible memory:
 //   s8       8 bytes of text, and their number as the size; w8 the same in wide characters
-//   s8=5     the same with 5 as the size; t8 without any
+//   s8=5     the same with 5 as the size; t8 and u8 without any
 //   i1 .. i8 an integer of so many bytes; il a long, ip a pointer
 //   f d D    float, double, long double
 //   0 0=5    a null pointer, without and with a size
@@ -81,13 +81,15 @@ class Destinations {
     unsigned char* at;
   };
 
+  static bool is_wide(char kind) { return kind == 'w' || kind == 'u'; }
+
   static size_t size_of(const std::string& word) {
     const size_t count = strtoul(word.c_str() + 1, nullptr, 10);
     if (word == "il" || word == "ip") return sizeof(long);
     if (word[0] == 'f') return sizeof(float);
     if (word[0] == 'd') return sizeof(double);
     if (word[0] == 'D') return sizeof(long double);
-    return word[0] == 'w' ? count * sizeof(wchar_t) : count;
+    return is_wide(word[0]) ? count * sizeof(wchar_t) : count;
   }
 
   // What stands in the destinations, divided by '|'. In texts '_' is 0 and '.' an untouched
@@ -96,8 +98,8 @@ class Destinations {
     std::string all;
     for (const Place& place : places_) {
       if (&place != &places_.front()) all += '|';
-      const bool is_text = strchr("swt", place.kind) != nullptr;
-      const size_t unit = !is_text ? place.size : place.kind == 'w' ? sizeof(wchar_t) : 1;
+      const bool is_text = strchr("swtu", place.kind) != nullptr;
+      const size_t unit = !is_text ? place.size : is_wide(place.kind) ? sizeof(wchar_t) : 1;
       for (const unsigned char* at = place.at; at != place.at + place.size; at += unit) {
         const bool untouched = std::string(at, at + unit) == std::string(unit, kFill);
         all += untouched ? "." : is_text ? character(at, unit) : number(place);
