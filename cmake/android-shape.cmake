@@ -32,7 +32,8 @@ file(WRITE ${plx_shape_headers}/gnu/stubs-soft.h "")
 
 set(plx_cross /usr/${plx_triplet})
 string(JOIN " " plx_c_headers -isystem ${plx_shape_headers} -isystem ${plx_cross}/include)
-string(JOIN " " plx_cxx_headers -nostdinc++ -isystem ${plx_cross}/include/c++/12
+string(JOIN " " plx_cxx_headers
+       --start-no-unused-arguments -nostdinc++ --end-no-unused-arguments -isystem ${plx_cross}/include/c++/12
        -isystem ${plx_cross}/include/c++/12/${plx_triplet})
 set(CMAKE_C_FLAGS_INIT "${plx_c_headers}")
 set(CMAKE_CXX_FLAGS_INIT "${plx_cxx_headers} ${plx_c_headers}")

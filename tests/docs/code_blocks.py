@@ -10,10 +10,13 @@ How a block is taken is read off its fence:
   ```sh, ```console   run by bash in an empty folder, with the tools of the build on the path
                       (console: the lines behind "$ ", and what they print has to be what follows).
                       A line that runs one of the project's scripts is checked for the script alone.
+                      `here` behind the language: in the page's one folder, after the blocks before it
   ```cmake            configured as a project
   ```json             held to be JSON; `dialect` behind the language leaves it to plxutil
-  ```text and blocks without a language are pictures or output
-`skip=REASON` behind a language leaves a block out; the reason is printed.
+  ```text and blocks without a language are pictures or output; `file=NAME` puts one into the page's
+                      folder
+`skip=REASON` behind a language leaves a block out; the reason is printed. An indented block is taken
+for a picture when arrows or lines are drawn in it, and refused otherwise: it would escape.
 """
 import argparse
 import json
@@ -45,6 +48,16 @@ def blocks(page):
         indent = len(found[1])
         body = "\n".join(line[indent:] for line in found[4].split("\n"))
         yield text[:found.start()].count("\n") + 1, found[2], found[3].split(), body
+
+
+def unfenced(page):
+    """Yields the line numbers of indented blocks that are no pictures."""
+    with open(page, encoding="utf-8") as file:
+        text = re.sub(r"^( *)```.*?^\1```", lambda found: "\n" * found[0].count("\n"), file.read(),
+                      flags=re.M | re.S)
+    for found in re.finditer(r"(?:^|\n)\n((?: {4}[^\n]*\n)+)", text):
+        if not re.search("[\u2500-\u25ff]", found[1]):
+            yield text[:found.start(1)].count("\n") + 1
 
 
 def whole_unit(code, words):
@@ -86,10 +99,21 @@ class Checker:
             return "compiled and run"
         return "compiled"
 
+    def folder(self, words, name):
+        """An empty folder of the block's own, or the page's."""
+        folder = os.path.join(self.options.work, "here" if "here" in words else name)
+        if "here" not in words:
+            shutil.rmtree(folder, ignore_errors=True)
+        os.makedirs(folder, exist_ok=True)
+        return folder
+
+    def bash(self, options, script, folder):
+        environment = dict(os.environ, PATH=self.options.path + ":" + os.environ["PATH"],
+                           NO_COLOR="1", ROOT=self.options.root)
+        return run(["bash", *options, "-c", script], cwd=folder, env=environment,
+                   stdin=subprocess.DEVNULL)
+
     def shell(self, words, code, name):
-        folder = os.path.join(self.options.work, name)
-        shutil.rmtree(folder, ignore_errors=True)
-        os.makedirs(folder)
         lines = []
         for line in code.split("\n"):
             script = re.match(r"^\s*(?:\./)?(scripts/[\w.\-]+)", line)
@@ -100,24 +124,15 @@ class Checker:
             lines.append(line)
         if not any(l.strip() and not l.startswith("#") for l in lines):
             return "scripts are there"
-        environment = dict(os.environ, PATH=self.options.path + ":" + os.environ["PATH"],
-                           NO_COLOR="1", ROOT=self.options.root)
-        run(["bash", "-euo", "pipefail", "-c", "\n".join(lines)], cwd=folder, env=environment,
-            stdin=subprocess.DEVNULL)
+        self.bash(["-euo", "pipefail"], "\n".join(lines), self.folder(words, name))
         return "run"
 
     def console(self, words, code, name):
-        folder = os.path.join(self.options.work, name)
-        shutil.rmtree(folder, ignore_errors=True)
-        os.makedirs(folder)
-        environment = dict(os.environ, PATH=self.options.path + ":" + os.environ["PATH"],
-                           NO_COLOR="1", ROOT=self.options.root)
         script = []
         commands = re.split(r"^\$ ", code, flags=re.M)[1:]
         for command in commands:
             script.append(re.match(r"(?:.*\\\n)*.*", command)[0])
-        said = run(["bash", "-c", "\n".join(script)], cwd=folder, env=environment,
-                   stdin=subprocess.DEVNULL)
+        said = self.bash([], "\n".join(script), self.folder(words, name))
         shown = "\n".join(line for command in commands
                           for line in command[len(re.match(r"(?:.*\\\n)*.*", command)[0]):]
                           .strip("\n").split("\n") if line)
@@ -126,9 +141,7 @@ class Checker:
         return "run, output compared"
 
     def cmake(self, words, code, name):
-        folder = os.path.join(self.options.work, name)
-        shutil.rmtree(folder, ignore_errors=True)
-        os.makedirs(folder)
+        folder = self.folder([], name)
         if "project(" not in code:
             code = "cmake_minimum_required(VERSION 3.25)\nproject(piece LANGUAGES C CXX)\n" + code
         for source in re.findall(r"\b[\w]+\.(?:cc|c|cpp)\b", code):
@@ -156,7 +169,13 @@ class Checker:
                 json.loads(code)
             return "read"
         if language in ("text", ""):
-            return "a picture"
+            file = [w[len("file="):] for w in words if w.startswith("file=")]
+            if not file:
+                return "a picture"
+            with open(os.path.join(self.folder(["here"], name), file[0]), "w",
+                      encoding="utf-8") as out:
+                out.write(code)
+            return "written to " + file[0]
         raise Failure("no way to check a block in '%s'" % language)
 
 
@@ -166,9 +185,13 @@ def main():
     for name in ("work", "cc", "cxx", "flags", "path", "tree", "root"):
         parser.add_argument("--" + name, required=True)
     options = parser.parse_args()
+    shutil.rmtree(os.path.join(options.work, "here"), ignore_errors=True)
     os.makedirs(options.work, exist_ok=True)
     checker = Checker(options)
     bad = count = 0
+    for line in unfenced(options.page):
+        print("%s:%d: an indented block; fence it, so that it is checked" % (options.page, line))
+        bad += 1
     for line, language, words, code in blocks(options.page):
         count += 1
         try:

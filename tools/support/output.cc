@@ -2,6 +2,7 @@
 
 #include <errno.h>
 #include <fmt/core.h>
+#include <stdint.h>
 #include <stdlib.h>
 #include <unistd.h>
 
@@ -12,23 +13,22 @@ namespace {
 
 // Bytes that begin no valid UTF-8 sequence become U+FFFD, so that the JSON is always valid.
 size_t utf8_length(std::string_view text) {
-  const auto byte = [&](size_t i) { return static_cast<unsigned char>(text[i]); };
-  const unsigned char first = byte(0);
+  constexpr uint32_t kLeast[] = {0, 0, 0x80, 0x800, 0x10000};
+  const unsigned char first = static_cast<unsigned char>(text[0]);
   const size_t length = first < 0x80             ? 1
                         : (first & 0xE0) == 0xC0 ? 2
                         : (first & 0xF0) == 0xE0 ? 3
                         : (first & 0xF8) == 0xF0 ? 4
                                                  : 0;
   if (length == 0 || length > text.size()) return 0;
+  uint32_t value = length == 1 ? first : first & 0x7Fu >> length;
   for (size_t i = 1; i < length; ++i) {
-    if ((byte(i) & 0xC0) != 0x80) return 0;
+    const unsigned char byte = static_cast<unsigned char>(text[i]);
+    if ((byte & 0xC0) != 0x80) return 0;
+    value = value << 6 | (byte & 0x3F);
   }
-  const bool overlong = (length == 2 && first < 0xC2) ||
-                        (length == 3 && first == 0xE0 && byte(1) < 0xA0) ||
-                        (length == 4 && first == 0xF0 && byte(1) < 0x90);
-  const bool surrogate = length == 3 && first == 0xED && byte(1) >= 0xA0;
-  const bool too_high = length == 4 && (first > 0xF4 || (first == 0xF4 && byte(1) >= 0x90));
-  return overlong || surrogate || too_high ? 0 : length;
+  const bool is_surrogate = value >= 0xD800 && value <= 0xDFFF;
+  return value < kLeast[length] || is_surrogate || value > 0x10FFFF ? 0 : length;
 }
 
 const char* escape_of(Tone tone) {

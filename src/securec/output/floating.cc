@@ -64,8 +64,9 @@ struct PlatformFormat {
 };
 
 // The C library prints one number, in at most `size` bytes. Where it has the functions of C23 for
-// just that, they save the walk through a format.
-#if defined(__GLIBC_PREREQ)
+// just that, they save the walk through a format. Android has none of them, whosever headers it is
+// compiled against.
+#if defined(__GLIBC_PREREQ) && !defined(__ANDROID__)
 #if __GLIBC_PREREQ(2, 25)
 #define PLX_HAS_STRFROM 1
 #endif
