@@ -16,9 +16,6 @@ namespace {
 
 constexpr int kDefaultPrecision = 6;
 
-// Flags that are the platform's affair.
-constexpr unsigned kAnyFlag = Conversion::kAlternate | Conversion::kSpace | Conversion::kPlus;
-
 template <typename Float>
 struct FloatLimits;
 
@@ -76,6 +73,7 @@ int print_number(char* dst, size_t size, const Conversion& conversion, int preci
                  double value) {
   const PlatformFormat format(conversion, precision, "");
 #ifdef PLX_HAS_STRFROM
+  constexpr unsigned kAnyFlag = Conversion::kAlternate | Conversion::kSpace | Conversion::kPlus;
   if (!conversion.has(kAnyFlag)) return strfromd(dst, size, format.text, value);
 #endif
   return snprintf(dst, size, format.text, value);
