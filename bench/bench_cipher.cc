@@ -23,6 +23,8 @@ struct Evp {
 const Evp kEncrypt = {EVP_EncryptInit_ex, EVP_EncryptUpdate, EVP_EncryptFinal_ex};
 const Evp kDecrypt = {EVP_DecryptInit_ex, EVP_DecryptUpdate, EVP_DecryptFinal_ex};
 
+unsigned char* bytes_of(char* text) { return reinterpret_cast<unsigned char*>(text); }
+
 int run_by_hand(const Evp& evp, const char* key, const char* iv, const void* in, int in_len,
                 unsigned char* out) {
   EVP_CIPHER_CTX* ctx = EVP_CIPHER_CTX_new();
@@ -54,7 +56,22 @@ void add_record(size_t size) {
     benchmark::DoNotOptimize(run_by_hand(kEncrypt, aes.szKey, aes.szIV, plain.c_str(),
                                          static_cast<int>(strlen(plain.c_str())), out));
   };
-  plx_bench::compare("aes-record/" + std::to_string(size), ours, peer, size);
+  plx_bench::compare("aes-record-encrypt/" + std::to_string(size), ours, peer, size);
+
+  std::string sealed(size + 16, '\0');
+  const int sealed_size = run_by_hand(kEncrypt, aes.szKey, aes.szIV, plain.c_str(),
+                                      static_cast<int>(size), bytes_of(&sealed[0]));
+  const auto ours_back = [=]() mutable {
+    char out[1024];
+    aes.pszText = const_cast<char*>(plain.c_str());
+    benchmark::DoNotOptimize(PLX_AesDecryByMode(&aes, &sealed[0], sealed_size, out, sizeof out));
+  };
+  const auto peer_back = [=] {
+    unsigned char out[1024];
+    benchmark::DoNotOptimize(
+        run_by_hand(kDecrypt, aes.szKey, aes.szIV, sealed.data(), sealed_size, out));
+  };
+  plx_bench::compare("aes-record-decrypt/" + std::to_string(size), ours_back, peer_back, size);
 }
 
 std::string make_request(const char* member, const std::string& text) {
@@ -142,7 +159,7 @@ void add_requests(size_t size) {
     benchmark::DoNotOptimize(encrypt_by_hand(request, out));
   };
   plx_bench::compare("request-encrypt/" + std::to_string(size), ours, peer, size);
-  if (size > 480) return;  // more does not fit as digits
+  if (size > 480) return;  // more has no room as digits
 
   const std::string sealed = make_request("cipherText", digits.c_str());
   const auto ours_back = [sealed] {
@@ -160,5 +177,5 @@ void add_requests(size_t size) {
 
 void plx_bench::register_benchmarks() {
   for (size_t size : {16, 100, 900}) add_record(size);
-  for (size_t size : {16, 100, 480, 1000}) add_requests(size);
+  for (size_t size : {1, 16, 100, 240, 480, 1000}) add_requests(size);
 }

@@ -3,7 +3,7 @@
 
 #include <plx/digest.h>
 
-// Behind ours: they define some of our names as macros.
+#include <botan/ffi.h>
 #include <nettle/base64.h>
 #include <nettle/des.h>
 #include <nettle/hmac.h>
@@ -12,6 +12,8 @@
 #include <openssl/hmac.h>
 #include <openssl/sha.h>
 #include <string.h>
+
+#undef sha256_update  // which nettle makes its own
 
 #include <string>
 #include <vector>
@@ -35,60 +37,110 @@ struct Size {
 constexpr Size kSizes[] = {{"16", 16},   {"64", 64},     {"256", 256},       {"1K", 1024},
                            {"4K", 4096}, {"16K", 16384}, {"128K", 1u << 17}, {"1M", 1u << 20}};
 
+// A kernel under its name.
+template <typename Kernel, typename Work>
+void add_kernel(const std::string& row, const Kernel& kernel, Work work, size_t bytes) {
+  const std::string variant = std::string("plx:") + kernel.name;
+  if (kernel.supported()) {
+    add(row, variant, work, bytes);
+  } else {
+    add_absent(row, variant);
+  }
+}
+
 std::string row(const char* work, const Size& size) { return std::string(work) + "/" + size.name; }
 
 uint8_t g_digest[64];
+const char kMacKey[] = "0123456789abcdef";
 
-void peer_sha256(const uint8_t* data, size_t size, size_t piece) {
-  SHA256_CTX ctx;
-  SHA256_Init(&ctx);
-  for (; size > piece; size -= piece, data += piece) SHA256_Update(&ctx, data, piece);
-  SHA256_Update(&ctx, data, size);
-  SHA256_Final(g_digest, &ctx);
+// Botan's C interface. Its objects live as long as the program.
+const PrivateLibrary& botan() {
+  static const PrivateLibrary library("libbotan-2.so.19");
+  return library;
+}
+#define PLX_BOTAN(name) botan().get<decltype(name)>(#name)
+
+// What one init, a run of updates in pieces and one final cost, for any of three implementations.
+template <typename Context, typename Init, typename Update, typename Final>
+auto in_pieces(const std::string& data, size_t piece, Init init, Update update, Final final) {
+  return [=] {
+    Context ctx;
+    init(&ctx);
+    const uint8_t* at = bytes_of(data);
+    size_t left = data.size();
+    for (; left > piece; left -= piece, at += piece) update(&ctx, at, piece);
+    update(&ctx, at, left);
+    final(&ctx);
+  };
+}
+
+auto first_family(const std::string& data, size_t piece) {
+  return in_pieces<Sha256Context>(
+      data, piece, [](auto* ctx) { Sha256_Init(ctx); },
+      [](auto* ctx, const uint8_t* at, size_t size) {
+        Sha256_Update(ctx, at, static_cast<unsigned>(size));
+      },
+      [](auto* ctx) { Sha256_Final(ctx, g_digest); });
+}
+
+auto second_family(const std::string& data, size_t piece) {
+  return in_pieces<Sha256Ctx>(
+      data, piece, [](auto* ctx) { sha256_initialize(ctx); },
+      [](auto* ctx, const uint8_t* at, size_t size) {
+        sha256_update(ctx, at, static_cast<unsigned>(size));
+      },
+      [](auto* ctx) { sha256_finalize(ctx, nullptr, 0); });
+}
+
+auto libcrypto_sha256(const std::string& data, size_t piece) {
+  return in_pieces<SHA256_CTX>(
+      data, piece, [](auto* ctx) { SHA256_Init(ctx); },
+      [](auto* ctx, const uint8_t* at, size_t size) { SHA256_Update(ctx, at, size); },
+      [](auto* ctx) { SHA256_Final(g_digest, ctx); });
+}
+
+void add_sha256_peers(const Size& size, const std::string& data) {
+  // It has the name of one of ours.
+  static const PrivateLibrary libcrypto("libcrypto.so.3");
+  auto* const one_shot =
+      libcrypto.get<unsigned char*(const unsigned char*, size_t, unsigned char*)>("SHA256");
+  add(
+      row("sha256", size), "peer:one-shot",
+      [=] { one_shot(bytes_of(data), data.size(), g_digest); }, size.bytes);
+  add(
+      row("sha256", size), "peer:nettle",
+      [=] {
+        struct sha256_ctx ctx;
+        nettle_sha256_init(&ctx);
+        nettle_sha256_update(&ctx, data.size(), bytes_of(data));
+        nettle_sha256_digest(&ctx, 32, g_digest);
+      },
+      size.bytes);
+  botan_hash_t hash;
+  PLX_BOTAN(botan_hash_init)(&hash, "SHA-256", 0);
+  auto* const update = PLX_BOTAN(botan_hash_update);
+  auto* const final = PLX_BOTAN(botan_hash_final);
+  add(
+      row("sha256", size), "peer:botan",
+      [=] {
+        update(hash, bytes_of(data), data.size());
+        final(hash, g_digest);
+      },
+      size.bytes);
 }
 
 void add_sha256() {
   for (const Size& size : kSizes) {
     const std::string data = random_bytes(size.bytes);
-    const auto peer = [=] { peer_sha256(bytes_of(data), data.size(), data.size()); };
-    compare(
-        row("sha256", size),
-        [=] {
-          Sha256Context ctx;
-          Sha256_Init(&ctx);
-          Sha256_Update(&ctx, bytes_of(data), size.bytes);
-          Sha256_Final(&ctx, g_digest);
-        },
-        peer, size.bytes);
-    compare(
-        row("sha256-second", size), [=] { sha256_get(g_digest, bytes_of(data), size.bytes); }, peer,
-        size.bytes);
-    compare(
-        row("sha256-streamed", size),
-        [=] {
-          constexpr unsigned kPiece = 1000;
-          Sha256Context ctx;
-          Sha256_Init(&ctx);
-          const uint8_t* at = bytes_of(data);
-          unsigned left = size.bytes;
-          for (; left > kPiece; left -= kPiece, at += kPiece) Sha256_Update(&ctx, at, kPiece);
-          Sha256_Update(&ctx, at, left);
-          Sha256_Final(&ctx, g_digest);
-        },
-        [=] { peer_sha256(bytes_of(data), data.size(), 1000); }, size.bytes);
-    add(
-        row("sha256", size), "peer:nettle",
-        [=] {
-          struct sha256_ctx ctx;
-          nettle_sha256_init(&ctx);
-          nettle_sha256_update(&ctx, data.size(), bytes_of(data));
-          nettle_sha256_digest(&ctx, 32, g_digest);
-        },
-        size.bytes);
+    compare(row("sha256", size), first_family(data, size.bytes), libcrypto_sha256(data, size.bytes),
+            size.bytes);
+    compare(row("sha256-second", size), second_family(data, size.bytes),
+            libcrypto_sha256(data, size.bytes), size.bytes);
+    add_sha256_peers(size, data);
     for (const auto& kernel : plx::digest::kSha256Kernels) {
-      if (!kernel.supported() || size.bytes < 64) continue;
-      add(
-          row("sha256", size), std::string("plx:") + kernel.name,
+      if (size.bytes < 64) continue;
+      add_kernel(
+          row("sha256", size), kernel,
           [=] {
             uint32_t state[8] = {};
             kernel.blocks(state, bytes_of(data), size.bytes / 64);
@@ -96,18 +148,52 @@ void add_sha256() {
           },
           size.bytes);
     }
-    compare(
-        row("hmac-sha256", size),
-        [=] {
-          hmac_sha256_get(g_digest, bytes_of(data), size.bytes, bytes_of("0123456789abcdef"), 16);
-        },
-        [=] {
-          unsigned length;
-          HMAC(EVP_sha256(), "0123456789abcdef", 16, bytes_of(data), data.size(), g_digest,
-               &length);
-        },
-        size.bytes);
   }
+  // In pieces that fit no block, fit one, and leave much or little over.
+  for (const Size& size : {Size{"1K", 1024}, Size{"16K", 16384}, Size{"1M", 1u << 20}}) {
+    const std::string data = random_bytes(size.bytes);
+    for (unsigned piece : {7, 64, 100, 1000}) {
+      const std::string pieces = "-by-" + std::to_string(piece);
+      const auto peer = libcrypto_sha256(data, piece);
+      compare(row(("sha256" + pieces).c_str(), size), first_family(data, piece), peer, size.bytes);
+      compare(row(("sha256-second" + pieces).c_str(), size), second_family(data, piece), peer,
+              size.bytes);
+    }
+  }
+}
+
+void add_hmac(const Size& size) {
+  const std::string data = random_bytes(size.bytes);
+  compare(
+      row("hmac-sha256", size),
+      [=] { hmac_sha256_get(g_digest, bytes_of(data), size.bytes, bytes_of(kMacKey), 16); },
+      [=] {
+        unsigned length;
+        HMAC(EVP_sha256(), kMacKey, 16, bytes_of(data), data.size(), g_digest, &length);
+      },
+      size.bytes);
+  add(
+      row("hmac-sha256", size), "peer:nettle",
+      [=] {
+        struct hmac_sha256_ctx ctx;
+        nettle_hmac_sha256_set_key(&ctx, 16, bytes_of(kMacKey));
+        nettle_hmac_sha256_update(&ctx, data.size(), bytes_of(data));
+        nettle_hmac_sha256_digest(&ctx, 32, g_digest);
+      },
+      size.bytes);
+  botan_mac_t mac;
+  PLX_BOTAN(botan_mac_init)(&mac, "HMAC(SHA-256)", 0);
+  auto* const set_key = PLX_BOTAN(botan_mac_set_key);
+  auto* const update = PLX_BOTAN(botan_mac_update);
+  auto* const final = PLX_BOTAN(botan_mac_final);
+  add(
+      row("hmac-sha256", size), "peer:botan",
+      [=] {
+        set_key(mac, bytes_of(kMacKey), 16);
+        update(mac, bytes_of(data), data.size());
+        final(mac, g_digest);
+      },
+      size.bytes);
 }
 
 // The peer runs the blocks that we run, its padding off, its key set once.
@@ -136,15 +222,22 @@ void add_3des() {
           },
           size.bytes);
       for (const auto& kernel : plx::digest::kDesKernels) {
-        if (!kernel.supported()) continue;
-        add(
-            row(work, size), std::string("plx:") + kernel.name,
+        add_kernel(
+            row(work, size), kernel,
             [=]() mutable {
               kernel.blocks(encrypt ? ctx.encSubkeys : ctx.decSubkeys, 3, out.data(),
                             bytes_of(data), data.size() / 8);
             },
             size.bytes);
       }
+      botan_block_cipher_t cipher;
+      PLX_BOTAN(botan_block_cipher_init)(&cipher, "TripleDES");
+      PLX_BOTAN(botan_block_cipher_set_key)(cipher, bytes_of(key), key.size());
+      auto* const run = encrypt ? PLX_BOTAN(botan_block_cipher_encrypt_blocks)
+                                : PLX_BOTAN(botan_block_cipher_decrypt_blocks);
+      add(
+          row(work, size), "peer:botan",
+          [=]() mutable { run(cipher, bytes_of(data), out.data(), data.size() / 8); }, size.bytes);
       struct des3_ctx nettle;
       nettle_des3_set_key(&nettle, bytes_of(key));
       add(
@@ -207,17 +300,37 @@ void add_base64(const Size& size) {
       row("base64-encode", size), "peer:nettle",
       [=]() mutable { nettle_base64_encode_raw(chars.data(), data.size(), bytes_of(data)); },
       size.bytes);
+  auto* const botan_encode = PLX_BOTAN(botan_base64_encode);
+  auto* const botan_decode = PLX_BOTAN(botan_base64_decode);
+  add(
+      row("base64-encode", size), "peer:botan",
+      [=]() mutable {
+        size_t chars_size = chars.size();
+        botan_encode(bytes_of(data), data.size(), chars.data(), &chars_size);
+      },
+      size.bytes);
+  add(
+      row("base64-decode", size), "peer:libcrypto",
+      [=]() mutable {
+        EVP_DecodeBlock(bytes.data(), bytes_of(text), static_cast<int>(text.size()));
+      },
+      size.bytes);
+  add(
+      row("base64-decode", size), "peer:botan",
+      [=]() mutable {
+        size_t bytes_size = bytes.size();
+        botan_decode(text.data(), text.size(), bytes.data(), &bytes_size);
+      },
+      size.bytes);
   for (const auto& kernel : plx::digest::kBase64Kernels) {
-    if (!kernel.supported()) continue;
-    const std::string variant = std::string("plx:") + kernel.name;
-    add(
-        row("base64-encode", size), variant,
+    add_kernel(
+        row("base64-encode", size), kernel,
         [=]() mutable {
           kernel.encode_groups(kStandardAlphabet, chars.data(), bytes_of(data), size.bytes / 3);
         },
         size.bytes);
-    add(
-        row("base64-decode", size), variant,
+    add_kernel(
+        row("base64-decode", size), kernel,
         [=]() mutable {
           kernel.decode_groups(kStandardAlphabet, bytes.data(), text.data(), size.bytes / 3);
         },
@@ -229,6 +342,7 @@ void add_base64(const Size& size) {
 
 void register_benchmarks() {
   add_sha256();
+  for (const Size& size : kSizes) add_hmac(size);
   add_3des();
   add_base64({"48", 48});
   for (const Size& size : kSizes) add_base64(size);

@@ -1,6 +1,8 @@
-// Formatted output against the C library's. Formats and arguments are kept from the compiler,
-// which would otherwise print some of them beforehand.
+// Formatted output against the C library's, and two that take its place elsewhere. Formats and
+// arguments are kept from the compiler, which would otherwise print some of them beforehand.
+#include <fmt/format.h>
 #include <plx/securec.h>
+#include <stb/stb_sprintf.h>
 #include <stdio.h>
 #include <wchar.h>
 
@@ -21,12 +23,24 @@ T opaque(T value) {
   return hidden;
 }
 
+// `braces` is the same format as fmt writes it.
 template <typename... Args>
-void compare_narrow(const std::string& row, const char* text, size_t bytes, Args... args) {
+void compare_narrow(const std::string& row, const char* text, const char* braces, size_t bytes,
+                    Args... args) {
   const char* const format = opaque(text);
+  const std::string name = "snprintf_s/" + row;
   plx_bench::compare(
-      "snprintf_s/" + row, [=] { snprintf_s(narrow, kRoom, kRoom - 1, format, args...); },
+      name, [=] { snprintf_s(narrow, kRoom, kRoom - 1, format, args...); },
       [=] { snprintf(narrow, kRoom, format, args...); }, bytes);
+  plx_bench::add(
+      name, "peer:stb", [=] { stbsp_snprintf(narrow, static_cast<int>(kRoom), format, args...); },
+      bytes);
+  plx_bench::add(
+      name, "peer:fmt",
+      [format = fmt::string_view(opaque(braces)), args...] {
+        *fmt::format_to_n(narrow, kRoom - 1, fmt::runtime(format), args...).out = '\0';
+      },
+      bytes);
 }
 
 template <typename... Args>
@@ -43,11 +57,11 @@ void plx_bench::register_benchmarks() {
   const int number = opaque(12345);
   const long long large = opaque(123456789012345);
   const char* const text = opaque("hello, world");
-  compare_narrow("%d", "%d", 0, number);
-  compare_narrow("%s", "%s", 0, text);
-  compare_narrow("%08x", "%08x", 0, 0xbeef12);
-  compare_narrow("mixed", "%5d %s %u %lld", 0, number, text, 77u, large);
-  compare_narrow("%.3f", "%.3f", 0, opaque(3.14159));
+  compare_narrow("%d", "%d", "{}", 0, number);
+  compare_narrow("%s", "%s", "{}", 0, text);
+  compare_narrow("%08x", "%08x", "{:08x}", 0, 0xbeef12);
+  compare_narrow("mixed", "%5d %s %u %lld", "{:5} {} {} {}", 0, number, text, 77u, large);
+  compare_narrow("%.3f", "%.3f", "{:.3f}", 0, opaque(3.14159));
   compare_wide("%d", L"%d", 0, number);
   compare_wide("mixed", L"%5d %u %lld", 0, number, 77u, large);
 
@@ -63,9 +77,9 @@ void plx_bench::register_benchmarks() {
     const size_t size = sizes[i];
     const std::string name = size < 1024 ? std::to_string(size) : std::to_string(size / 1024) + "K";
     const std::string literal = size == 220 ? "literal-220" : "literal/" + name;
-    compare_narrow(literal, texts[i].c_str(), size);
+    compare_narrow(literal, texts[i].c_str(), texts[i].c_str(), size);
     compare_wide(literal, wide_texts[i].c_str(), size * sizeof(wchar_t));
-    compare_narrow("text/" + name, "%s", size, texts[i].c_str());
+    compare_narrow("text/" + name, "%s", "{}", size, texts[i].c_str());
     compare_wide("text/" + name, L"%ls", size * sizeof(wchar_t), wide_texts[i].c_str());
   }
 }

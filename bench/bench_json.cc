@@ -17,7 +17,7 @@ void compare_parse(const std::string& row, const std::string& text) {
   PLX_JsonValue* tree = PLX_ParseJsonString(text.c_str());
   if (tree == nullptr) abort();
   PLX_FreeJsonValue(tree);
-  plx_bench::compare("json-parse/" + row, ours, peer, text.size());
+  plx_bench::compare(row, ours, peer, text.size());
 }
 
 // The last of `count` members, in a tree that lives as long as the program.
@@ -43,12 +43,29 @@ void compare_find(const std::string& row, size_t count) {
   plx_bench::add("json-find/" + row, "plx:by-name", direct);
 }
 
+// How the cost grows with members, nodes and depth, up to what the dialect allows.
+void compare_growth() {
+  for (size_t count : {1, 4, 8, 16, 64, 128, 240, 480}) {
+    compare_parse("json-members/" + std::to_string(count), plx_test::sample_object(count));
+  }
+  for (size_t rows : {1, 4, 16, 64}) {
+    compare_parse("json-objects/" + std::to_string(rows * 480),
+                  plx_test::sample_small_objects(rows));
+  }
+  std::string nested = "1";
+  for (size_t depth = 1; depth < 16; ++depth) {
+    nested = depth % 2 == 0 ? '[' + nested + ']' : "{\"in\":" + nested + '}';
+    compare_parse("json-depth/" + std::to_string(depth), nested);
+  }
+}
+
 }  // namespace
 
 void plx_bench::register_benchmarks() {
-  compare_parse("request-200", plx_test::sample_request());
-  compare_parse("object-400", plx_test::sample_object(400));
-  compare_parse("configuration-19K", plx_test::sample_configuration());
-  compare_parse("small-objects-1M", plx_test::sample_small_objects(38));
+  compare_parse("json-parse/request-200", plx_test::sample_request());
+  compare_parse("json-parse/object-400", plx_test::sample_object(400));
+  compare_parse("json-parse/configuration-19K", plx_test::sample_configuration());
+  compare_parse("json-parse/small-objects-1M", plx_test::sample_small_objects(38));
   compare_find("last-of-400", 400);
+  compare_growth();
 }

@@ -28,6 +28,26 @@ void add(const std::string& row, const std::string& variant, Work work, size_t b
   });
 }
 
+// Says that this processor has no way to measure a variant.
+void add_absent(const std::string& row, const std::string& variant);
+
+// A peer's library, loaded so that none of its names meets one of ours.
+class PrivateLibrary {
+ public:
+  explicit PrivateLibrary(const char* file);
+
+  // The function that `name` names there; its type is that of the declaration `Function`.
+  template <typename Function>
+  Function* get(const char* name) const {
+    return reinterpret_cast<Function*>(find(name));
+  }
+
+ private:
+  void* find(const char* name) const;
+
+  void* handle_;
+};
+
 // The library against its peer.
 template <typename Ours, typename Peer>
 void compare(const std::string& row, Ours ours, Peer peer, size_t bytes = 0) {

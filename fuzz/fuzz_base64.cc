@@ -81,8 +81,8 @@ void check_kernels(const Base64Alphabet& alphabet, const std::string& text) {
     if (!kernel.supported()) continue;
     std::vector<uint8_t> out = block(3 * groups);
     const size_t taken = kernel.decode_groups(alphabet, out.data(), text.data(), groups);
-    check(taken == kRefused ? good < groups : taken <= good);
-    if (taken != kRefused) check(same(out.data(), expected.data(), 3 * taken));
+    check(taken <= good);
+    check(same(out.data(), expected.data(), 3 * taken));
   }
 }
 

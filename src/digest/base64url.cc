@@ -18,11 +18,14 @@ unsigned int PLX_base64UrlDecode(unsigned char* out, unsigned int outSize, const
                                  int inLen) {
   if (in == nullptr || inLen <= 0) return 0;
   if (out == nullptr || outSize == 0) return 0;
-  const size_t length = strnlen(in, static_cast<size_t>(inLen));
-  if (length % 4 == 1) return 0;
-  if (outSize < static_cast<uint64_t>(length) * 3 / 4) return 0;
+  auto limit = static_cast<size_t>(inLen);
+  if (outSize < static_cast<uint64_t>(limit) * 3 / 4) {
+    // Perhaps a shorter text, by its NUL, has room.
+    limit = strnlen(in, limit);
+    if (outSize < static_cast<uint64_t>(limit) * 3 / 4) return 0;
+  }
   return static_cast<unsigned int>(
-      plx::digest::decode_text(plx::digest::kUrlAlphabet, out, in, length));
+      plx::digest::decode_terminated(plx::digest::kUrlAlphabet, out, in, limit));
 }
 
 }  // extern "C"

@@ -30,12 +30,13 @@ uint32_t ask();
 // The answer is kept. Two first calls at once both ask and agree.
 extern std::atomic<uint32_t> g_features;
 
-// Whether the processor has all of `features`.
-inline bool has(uint32_t features) {
-  uint32_t known = g_features.load(std::memory_order_relaxed);
-  if (known == 0) known = ask();
-  return (known & features) == features;
+inline uint32_t features() {
+  const uint32_t known = g_features.load(std::memory_order_relaxed);
+  return __builtin_expect(known != 0, 1) ? known : ask();
 }
+
+// Whether the processor has all of `wanted`.
+inline bool has(uint32_t wanted) { return (features() & wanted) == wanted; }
 
 // The ARM features that the text of /proc/cpuinfo lists.
 uint32_t arm_features_of(const char* cpuinfo, size_t size);

@@ -9,18 +9,13 @@
 
 #include <algorithm>
 
+#include "internal/readable.h"
 #include "securec/limits.h"
 #include "securec/memory.h"
 #include "securec/small_blocks.h"
 
-// A sanitizer would object to the look behind a text; there the C library is asked, which the
-// sanitizer watches.
-#if defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(memory_sanitizer)
-#define PLX_READS_ARE_CHECKED
-#endif
-#endif
-#if defined(__SSE2__) && !defined(__SANITIZE_ADDRESS__) && !defined(PLX_READS_ARE_CHECKED)
+// Where a sanitizer watches, the C library is asked, which the sanitizer knows.
+#if defined(__SSE2__) && !PLX_READS_ARE_CHECKED
 #define PLX_SHORT_STRINGS_SSE2
 #include <emmintrin.h>
 #endif
@@ -48,12 +43,11 @@ inline uint32_t zero_bytes(const char* text) {
 // page. As in the C library, bytes behind a text are looked at when they lie in the page of its
 // first one: they are there, and they decide nothing.
 inline size_t short_length(const char* text) {
-  constexpr size_t kPage = 4096;
-  const size_t offset_in_page = reinterpret_cast<uintptr_t>(text) % kPage;
-  if (offset_in_page > kPage - 32) return kUnknownText;
+  const size_t readable = bytes_to_page_end(text);
+  if (readable < 32) return kUnknownText;
   const uint32_t first = zero_bytes(text);
   if (__builtin_expect(first != 0, 1)) return static_cast<size_t>(__builtin_ctz(first));
-  if (offset_in_page > kPage - kShortText) return kUnknownText;
+  if (readable < kShortText) return kUnknownText;
   const uint64_t next = zero_bytes(text + 32) | static_cast<uint64_t>(zero_bytes(text + 64)) << 32;
   return next != 0 ? 32 + static_cast<size_t>(__builtin_ctzll(next)) : kLongText;
 }

@@ -121,8 +121,9 @@ inline errno_t copy_measured(char* dst, size_t dst_size, const char* src, size_t
 
 // The first kShortText characters are known to be there, and to have room.
 [[gnu::noinline]] errno_t copy_long_string(char* dst, size_t dst_size, const char* src) {
-  const size_t rest = bounded_length(src + kShortText, dst_size - kShortText);
-  return copy_measured(dst, dst_size, src, kShortText + rest);
+  constexpr size_t kKnown = 64;
+  const size_t rest = bounded_length(src + kKnown, dst_size - kKnown);
+  return copy_measured(dst, dst_size, src, kKnown + rest);
 }
 
 [[gnu::noinline]] errno_t copy_any_string(char* dst, size_t dst_size, const char* src,

@@ -90,6 +90,33 @@ TEST(Base64, EveryLengthBothWays) {
   }
 }
 
+// A text that ends in a NUL well before the given length, where its page ends or not; nothing may
+// be read behind its page, nor written behind its bytes.
+TEST(Base64, UrlTextEndsInANul) {
+  constexpr unsigned kRoom = 3 << 14;
+  constexpr int kLimit = 1 << 16;
+  std::vector<size_t> sizes = {4000, 5000, 6143, 6144, 6145, 6146};
+  for (size_t size = 1; size <= 400; ++size) sizes.push_back(size);
+  for (size_t size : sizes) {
+    const std::string bytes = random_bytes(size), url = as_url(judge_base64(bytes));
+    for (const std::string& behind : {std::string(), std::string(size % 70, 'A')}) {
+      const std::string text = url + '\0' + behind;
+      const char* in = reinterpret_cast<const char*>(in_page.copy(text));
+      uint8_t* out = out_page.copy(std::string(kRoom, '.'));
+      ASSERT_EQ(size, PLX_base64UrlDecode(out, kRoom, in, kLimit)) << size;
+      ASSERT_EQ(hex(bytes), hex(as_bytes(out, size)));
+      ASSERT_EQ(std::string(70, '.'), as_bytes(out + size, 70)) << size;
+      std::string wrong = text;
+      wrong[url.size() - 1 - size % 3] = '=';
+      in = reinterpret_cast<const char*>(in_page.copy(wrong));
+      ASSERT_EQ(0u, PLX_base64UrlDecode(out, kRoom, in, kLimit)) << size;
+      wrong = url.substr(0, url.size() / 4 * 4) + std::string("Z\0", 2) + behind;
+      in = reinterpret_cast<const char*>(in_page.copy(wrong));
+      ASSERT_EQ(0u, PLX_base64UrlDecode(out, kRoom, in, kLimit)) << size;
+    }
+  }
+}
+
 TEST(Base64, Leniency) {
   struct Row {
     std::string text;

@@ -73,7 +73,8 @@ inline std::string judge_3des(bool encrypt, const std::string& key, const std::s
   return out;
 }
 
-// Room that ends at an inaccessible page, mapped once for many uses of different sizes.
+// Room between two inaccessible pages, mapped once for many uses of different sizes: its end, or
+// where that is asked for its start.
 class PageEnd {
  public:
   uint8_t* bytes(size_t size) { return page_.data() + page_.size() - size; }
@@ -81,6 +82,11 @@ class PageEnd {
   uint8_t* copy(const std::string& source) {
     if (!source.empty()) memcpy(bytes(source.size()), source.data(), source.size());
     return bytes(source.size());
+  }
+  uint8_t* start() { return page_.data(); }
+  uint8_t* copy_to_start(const std::string& source) {
+    if (!source.empty()) memcpy(start(), source.data(), source.size());
+    return start();
   }
 
  private:

@@ -124,29 +124,35 @@ TEST(Memory, CopyRefusals) {
   }
 }
 
-// Every size around the fast paths, at every alignment, up to the last byte before a guard page.
+// Every size around the fast paths, at every offset in a cache line, from the first byte behind a
+// guard page and up to the last before one.
 TEST(Memory, EverySmallSizeAndAlignment) {
-  plx_test::Guarded<unsigned char> dst(160), src(160);
-  for (size_t i = 0; i < src.size(); ++i) src[i] = static_cast<unsigned char>(i + 1);
+  constexpr size_t kPage = 4096, kWindow = 160;
+  plx_test::Guarded<unsigned char> dst(kPage), src(kPage);
+  for (size_t i = 0; i < kPage; ++i) src[i] = static_cast<unsigned char>(i * 7 + i / 64 + 1);
   for (size_t count = 0; count <= 72; ++count) {
-    for (size_t offset = 0; offset < 16; ++offset) {
-      unsigned char* to = dst.data() + dst.size() - count - offset % 9;
-      const unsigned char* from = src.data() + src.size() - count - offset / 2;
-      std::vector<unsigned char> expected(dst.size(), 0xCC);
-      const size_t at = static_cast<size_t>(to - dst.data());
+    for (size_t place = 0; place < 128; ++place) {
+      const bool is_at_end = place % 2 != 0;
+      const size_t offset = place / 2, src_offset = offset * 5 % 64;
+      unsigned char* window = is_at_end ? dst.data() + kPage - kWindow : dst.data();
+      unsigned char* to = is_at_end ? window + kWindow - count - offset : window + offset;
+      const unsigned char* from =
+          is_at_end ? src.data() + kPage - count - src_offset : src.data() + src_offset;
+      std::vector<unsigned char> expected(kWindow, 0xCC);
+      const size_t at = static_cast<size_t>(to - window);
       for (const NamedCopy& copy : kCopies) {
-        memset(dst.data(), 0xCC, dst.size());
+        memset(window, 0xCC, kWindow);
         std::copy_n(from, count, expected.begin() + at);
         ASSERT_EQ(EOK, copy.call(to, count + 1, from, count));
-        ASSERT_EQ(0, memcmp(expected.data(), dst.data(), dst.size()))
+        ASSERT_EQ(0, memcmp(expected.data(), window, kWindow))
             << copy.name << " " << count << " " << offset;
       }
       for (const NamedFill& fill : kFills) {
         for (int c : {0, 0xFF, 0x5A, -1}) {
-          memset(dst.data(), 0xCC, dst.size());
+          memset(window, 0xCC, kWindow);
           std::fill_n(expected.begin() + at, count, static_cast<unsigned char>(c));
           ASSERT_EQ(EOK, fill.call(to, count, c, count));
-          ASSERT_EQ(0, memcmp(expected.data(), dst.data(), dst.size()))
+          ASSERT_EQ(0, memcmp(expected.data(), window, kWindow))
               << fill.name << " " << count << " " << c;
         }
       }

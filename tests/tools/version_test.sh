@@ -16,8 +16,8 @@ has() {
 
 if [ ${#emulator[@]} -gt 0 ]; then
   export QEMU_CPU
-  QEMU_CPU=max && named armv8 portable tables 0
-  QEMU_CPU=cortex-a7 && named portable portable tables 0
+  QEMU_CPU=max && named armv8 neon tables 0
+  QEMU_CPU=cortex-a7 && named portable neon tables 0
 elif [ "$(uname -m)" = x86_64 ]; then
   sha256=portable base64=portable des=portable64 from=32
   if has ssse3; then base64=ssse3; fi
@@ -29,6 +29,9 @@ elif [ "$(uname -m)" = x86_64 ]; then
   fi
   named $sha256 $base64 $des $from
 elif [[ $(uname -m) == arm* ]]; then
-  if has neon sha2; then named armv8 portable tables 0; else named portable portable tables 0; fi
+  sha256=portable base64=portable
+  if has neon; then base64=neon; fi
+  if has neon sha2; then sha256=armv8; fi
+  named $sha256 $base64 tables 0
 fi
 finish

@@ -14,6 +14,7 @@ namespace plx::digest {
 PLX_BASE64_KERNEL(avx512)
 PLX_BASE64_KERNEL(avx2)
 PLX_BASE64_KERNEL(ssse3)
+PLX_BASE64_KERNEL(neon)
 #undef PLX_BASE64_KERNEL
 
 }  // namespace plx::digest

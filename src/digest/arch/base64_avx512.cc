@@ -42,6 +42,11 @@ PLX_AVX512_INLINE __m512i pack_values(__m512i values, __m512i gather) {
   return _mm512_permutexvar_epi8(gather, groups);
 }
 
+PLX_AVX512_INLINE void store_48(uint8_t* out, __m512i bytes) {
+  _mm256_storeu_si256(reinterpret_cast<__m256i*>(out), _mm512_castsi512_si256(bytes));
+  _mm_storeu_si128(reinterpret_cast<__m128i*>(out + 32), _mm512_extracti32x4_epi32(bytes, 2));
+}
+
 struct Shuffles {
   alignas(64) uint8_t spread[64];
   alignas(64) uint8_t gather[64];
@@ -79,11 +84,13 @@ PLX_AVX512 size_t encode_groups_avx512(const Base64Alphabet& alphabet, char* out
     in += 4 * 48;
     out += 4 * 64;
   }
-  for (; left != 0; in += 48, out += 64) {
-    const size_t now = left < kGroupsPerVector ? left : kGroupsPerVector;
-    const __m512i bytes = _mm512_maskz_loadu_epi8(low_bits(3 * now), in);
-    _mm512_mask_storeu_epi8(out, low_bits(4 * now), encode_vector(bytes, spread, digits));
-    left -= now;
+  for (; left >= kGroupsPerVector; left -= kGroupsPerVector, in += 48, out += 64) {
+    const __m512i bytes = _mm512_maskz_loadu_epi8(low_bits(48), in);
+    _mm512_storeu_si512(out, encode_vector(bytes, spread, digits));
+  }
+  if (left != 0) {
+    const __m512i bytes = _mm512_maskz_loadu_epi8(low_bits(3 * left), in);
+    _mm512_mask_storeu_epi8(out, low_bits(4 * left), encode_vector(bytes, spread, digits));
   }
   return num_groups;
 }
@@ -94,12 +101,13 @@ PLX_AVX512 size_t decode_groups_avx512(const Base64Alphabet& alphabet, uint8_t* 
   const __m512i high_values = _mm512_load_si512(alphabet.values + 64);
   const __m512i gather = _mm512_load_si512(kShuffles.gather);
   // The highest bit of a byte is set by a character above 127 or by a table entry that says no.
-  __m512i errors = _mm512_setzero_si512();
+  // A full store writes sixteen bytes more than it decodes; the next overwrites them, and the last
+  // of four stores no more than is decoded. With `out` equal to `in` they stay behind what is still
+  // to be read, for all loads come first.
   size_t left = num_groups;
-  // A full store writes sixteen bytes more than it decodes, which later vectors overwrite. With
-  // `out` equal to `in` it stays behind what is still to be read, for all loads come first.
-  for (; left >= 4 * kGroupsPerVector + 6; left -= 4 * kGroupsPerVector) {
+  for (; left >= 4 * kGroupsPerVector; left -= 4 * kGroupsPerVector) {
     __m512i bytes[4];
+    __m512i errors = _mm512_setzero_si512();
 #pragma GCC unroll 4
     for (int i = 0; i < 4; ++i) {
       const __m512i text = _mm512_loadu_si512(in + 64 * i);
@@ -107,21 +115,27 @@ PLX_AVX512 size_t decode_groups_avx512(const Base64Alphabet& alphabet, uint8_t* 
       errors = _mm512_ternarylogic_epi64(errors, text, values, 0xFE);
       bytes[i] = pack_values(values, gather);
     }
-#pragma GCC unroll 4
-    for (int i = 0; i < 4; ++i) _mm512_storeu_si512(out + 48 * i, bytes[i]);
+    if (_mm512_movepi8_mask(errors) != 0) return num_groups - left;
+#pragma GCC unroll 3
+    for (int i = 0; i < 3; ++i) _mm512_storeu_si512(out + 48 * i, bytes[i]);
+    store_48(out + 48 * 3, bytes[3]);
     in += 4 * 64;
     out += 4 * 48;
   }
-  const __m512i zero_digit = _mm512_set1_epi8(alphabet.digits[0]);
-  for (; left != 0; in += 64, out += 48) {
-    const size_t now = left < kGroupsPerVector ? left : kGroupsPerVector;
-    const __m512i text = _mm512_mask_loadu_epi8(zero_digit, low_bits(4 * now), in);
+  for (; left >= kGroupsPerVector; left -= kGroupsPerVector, in += 64, out += 48) {
+    const __m512i text = _mm512_loadu_si512(in);
     const __m512i values = _mm512_permutex2var_epi8(low_values, text, high_values);
-    errors = _mm512_ternarylogic_epi64(errors, text, values, 0xFE);
-    _mm512_mask_storeu_epi8(out, low_bits(3 * now), pack_values(values, gather));
-    left -= now;
+    if (_mm512_movepi8_mask(_mm512_or_si512(text, values)) != 0) return num_groups - left;
+    store_48(out, pack_values(values, gather));
   }
-  return _mm512_movepi8_mask(errors) == 0 ? num_groups : kRefused;
+  if (left != 0) {
+    const __m512i zero_digit = _mm512_set1_epi8(alphabet.digits[0]);
+    const __m512i text = _mm512_mask_loadu_epi8(zero_digit, low_bits(4 * left), in);
+    const __m512i values = _mm512_permutex2var_epi8(low_values, text, high_values);
+    if (_mm512_movepi8_mask(_mm512_or_si512(text, values)) != 0) return num_groups - left;
+    _mm512_mask_storeu_epi8(out, low_bits(3 * left), pack_values(values, gather));
+  }
+  return num_groups;
 }
 
 }  // namespace plx::digest

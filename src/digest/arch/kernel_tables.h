@@ -29,6 +29,8 @@ inline constexpr Base64Kernel kBase64Table[] = {
     {{"avx512", cpu::kAvx512 | cpu::kAvx512Vbmi}, encode_groups_avx512, decode_groups_avx512},
     {{"avx2", cpu::kAvx2}, encode_groups_avx2, decode_groups_avx2},
     {{"ssse3", cpu::kSsse3}, encode_groups_ssse3, decode_groups_ssse3},
+#elif defined(__arm__)
+    {{"neon", cpu::kArmNeon}, encode_groups_neon, decode_groups_neon},
 #endif
     {{"portable", cpu::kNothing}, encode_groups_portable, decode_groups_portable},
 };

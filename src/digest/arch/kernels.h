@@ -29,8 +29,9 @@ struct KernelList {
 // The first kernel of a list that the processor can run. Lists end in one that needs nothing.
 template <typename List>
 const auto& first_supported(const List& kernels) {
+  const uint32_t features = cpu::features();
   auto kernel = std::begin(kernels);
-  while (!kernel->supported()) ++kernel;
+  while (kernel->features & ~features) ++kernel;
   return *kernel;
 }
 
@@ -54,9 +55,8 @@ extern const KernelList<Sha256Kernel> kSha256Kernels;
 Sha256Blocks sha256_blocks_or(Sha256Blocks portable);
 
 // Base64 by whole groups, as base64_groups.h has it, save that a kernel takes only as many groups
-// as suit it and leaves the rest, and that kRefused may stand for a text with a character that is
-// no digit. What a kernel has decoded may be overwritten text when it refuses.
-constexpr size_t kRefused = static_cast<size_t>(-1);
+// as suit it and leaves the rest: those that are too few for a vector, and all from the first
+// vector on that holds a character that is no digit. It writes only what it has taken.
 struct Base64Kernel : Kernel {
   size_t (*encode_groups)(const Base64Alphabet& alphabet, char* out, const uint8_t* in,
                           size_t num_groups);
