@@ -148,7 +148,8 @@ PLX_BEGIN_DECLS
  * down to a multiple of 4, plus 4, and not the length itself. -1, with `out` untouched, when
  *  - a pointer is null, `outSize` is below 16, or `inLen` is negative or above 2147483614
  *  - `outSize` is not above what would be returned: nothing, for instance, needs 49 bytes
- *  - no random bytes or no memory can be had. */
+ *  - no random bytes or no memory can be had.
+ * When libcrypto cannot start the cipher nothing is sealed but the IV, and the result is 28. */
 PLX_API int PLX_aesCbcEncryptByKey(const unsigned char* in, int inLen, char* out, int outSize,
                                    const unsigned char* key, AES_CBC_TYPE type) PLX_CHECK_RESULT
     PLX_CHECK_READS(1, 2, in, inLen) PLX_CHECK_WRITES(3, 4, out, outSize);
@@ -214,7 +215,8 @@ class PLX_API CCipher {
 
   /* deriveKey derives `keyLen` bytes into `out`: PBKDF2 (RFC 8018) with HMAC-SHA-256 over the
    * `passLen` bytes at `pass` and the `saltLen` bytes at `salt`. Returns 0, with `out` untouched,
-   * when a pointer is null or a number is below 1, and else 1, even if the derivation fails. */
+   * when a pointer is null or a number is below 1, and else 1, even if libcrypto runs out of
+   * memory: `out` is then zero. */
   static int deriveKey(const char* pass, int passLen, const unsigned char* salt, int saltLen,
                        int iterations, int keyLen, unsigned char* out) PLX_CHECK_RESULT;
 
@@ -252,7 +254,8 @@ class PLX_API CCipher {
    * returned. The last block, of 16 bytes, follows untested and may end up to 15 bytes behind the
    * capacity.
    * Returns 0, with nothing written, when a pointer is null, `outLen` is below 1, or no random
-   * bytes or no memory can be had. A negative `inLen` seals nothing: IV and padding. */
+   * bytes or no memory can be had. A negative `inLen` seals nothing: IV and padding. When libcrypto
+   * cannot start the cipher the result is 1 with an `outLen` of 16, the IV alone: test that. */
   static int EncryptData(const unsigned char* in, int inLen, unsigned char* out, int& outLen,
                          unsigned char* key, AES_CBC_TYPE type) PLX_CHECK_RESULT;
 
@@ -260,8 +263,8 @@ class PLX_API CCipher {
    * length to `outLen`. `outLen` must be above 0 on entry, but the output, of fewer than `inLen`
    * bytes, is not held to it.
    * A wrong key or a damaged blob is not reported: the result is 1, and `outLen` counts the whole
-   * blocks before the last. A blob of fewer than 16 bytes, or a `type` that is none, gives 1 with
-   * `outLen` 0. Returns 0 when a pointer is null, `outLen` is below 1, or memory is short. */
+   * blocks before the last. A blob of fewer than 16 bytes, a `type` that is none, or a cipher that
+   * libcrypto cannot start gives 1 with `outLen` 0. Returns 0 when a pointer is null, `outLen` is below 1, or memory is short. */
   static int DecryptData(const unsigned char* in, int inLen, unsigned char* out, int& outLen,
                          unsigned char* key, AES_CBC_TYPE type) PLX_CHECK_RESULT;
 

@@ -93,8 +93,9 @@ PLX_API unsigned char* getVectorForInitKeyByIndex(unsigned int index, unsigned c
 
 /* DeriveInitKeyByIndex derives `outLen` bytes of the init key of row `index` into `out`. Returns
  * 0, or -1, with `out` untouched, when `out` is null, `outLen` is below 1, `index` is none of 0 to
- * 4, or the factor cannot be read. A factor of fewer than 16 bytes is filled with zeros; one of
- * more counts as 16 zeros. */
+ * 4, or the factor cannot be read. The result is 0 even if libcrypto runs out of memory: `out` is
+ * then zero. A factor of fewer than 16 bytes is filled with zeros; one of more counts as 16 zeros.
+ */
 PLX_API int DeriveInitKeyByIndex(int index, unsigned char* out, int outLen) PLX_CHECK_RESULT
     PLX_CHECK_WRITES(2, 3, out, outLen);
 

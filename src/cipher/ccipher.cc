@@ -13,19 +13,24 @@
 #include "cipher/evp_base64.h"
 #include "cipher/key_vectors.h"
 #include "cipher/sealed.h"
+#include "internal/wipe.h"
 #include "securec/memory.h"
 
 namespace plx::cipher {
 
-bool derive_key(const unsigned char* pass, int pass_len, const unsigned char* salt, int salt_len,
-                int iterations, int key_len, unsigned char* out) {
-  if (pass == nullptr || salt == nullptr || out == nullptr) return false;
-  if (pass_len <= 0 || salt_len <= 0 || iterations <= 0 || key_len <= 0) return false;
+Derivation derive_key(const unsigned char* pass, int pass_len, const unsigned char* salt,
+                      int salt_len, int iterations, int key_len, unsigned char* out) {
+  if (pass == nullptr || salt == nullptr || out == nullptr) return Derivation::kRefused;
+  if (pass_len <= 0 || salt_len <= 0) return Derivation::kRefused;
+  if (iterations <= 0 || key_len <= 0) return Derivation::kRefused;
   const ErrorMark mark;
-  // Callers depend on true once the derivation was started.
-  PKCS5_PBKDF2_HMAC(reinterpret_cast<const char*>(pass), pass_len, salt, salt_len, iterations,
-                    EVP_sha256(), key_len, out);
-  return true;
+  if (PKCS5_PBKDF2_HMAC(reinterpret_cast<const char*>(pass), pass_len, salt, salt_len, iterations,
+                        EVP_sha256(), key_len, out) == 1) {
+    return Derivation::kDone;
+  }
+  // Memory that runs short midway leaves a key of fewer iterations there.
+  wipe(out, static_cast<size_t>(key_len));
+  return Derivation::kFailed;
 }
 
 }  // namespace plx::cipher
@@ -71,8 +76,9 @@ CCipher::~CCipher() = default;
 
 int CCipher::deriveKey(const char* pass, int passLen, const unsigned char* salt, int saltLen,
                        int iterations, int keyLen, unsigned char* out) {
+  // Callers depend on 1 once the derivation was started.
   return cipher::derive_key(reinterpret_cast<const unsigned char*>(pass), passLen, salt, saltLen,
-                            iterations, keyLen, out);
+                            iterations, keyLen, out) != cipher::Derivation::kRefused;
 }
 
 const char* CCipher::Base64(const unsigned char* data, int len) {

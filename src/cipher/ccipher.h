@@ -5,9 +5,15 @@
 
 namespace plx::cipher {
 
-// Contract of CCipher::deriveKey in plx/cipher.h.
-bool derive_key(const unsigned char* pass, int pass_len, const unsigned char* salt, int salt_len,
-                int iterations, int key_len, unsigned char* out);
+enum class Derivation {
+  kRefused,  // a bad argument
+  kFailed,   // libcrypto failed, and the output is zero
+  kDone,
+};
+
+// Contract of CCipher::deriveKey in plx/cipher.h, save that a failure shows.
+Derivation derive_key(const unsigned char* pass, int pass_len, const unsigned char* salt,
+                      int salt_len, int iterations, int key_len, unsigned char* out);
 
 }  // namespace plx::cipher
 

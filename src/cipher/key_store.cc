@@ -150,9 +150,10 @@ KeyFault derive_init_key(int index, unsigned char* out, int out_len) {
   if (get_vector == nullptr || get_vector(vector.data(), kVectorSize) == nullptr) {
     return KeyFault::kNoVector;
   }
-  derive_key(factor.data(), kFactorSize, vector.data(), kVectorSize, kInitKeyIterations, out_len,
-             out);
-  return KeyFault::kNone;
+  return derive_key(factor.data(), kFactorSize, vector.data(), kVectorSize, kInitKeyIterations,
+                    out_len, out) == Derivation::kDone
+             ? KeyFault::kNone
+             : KeyFault::kNotDerived;
 }
 
 KeyFault load_work_key(std::string_view name, char* out, int out_size) {
@@ -192,7 +193,9 @@ unsigned char* getVectorForInitKeyByIndex(unsigned int index, unsigned char* dst
 }
 
 int DeriveInitKeyByIndex(int index, unsigned char* out, int outLen) {
-  return result_of(derive_init_key(index, out, outLen));
+  const KeyFault fault = derive_init_key(index, out, outLen);
+  // Callers depend on 0 once the derivation was started.
+  return fault == KeyFault::kNotDerived ? 0 : result_of(fault);
 }
 
 int getPlainWorkKeyByName(const std::string& name, char* out, int outSize) {

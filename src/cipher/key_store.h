@@ -19,6 +19,7 @@ enum class KeyFault {
   kFactorUnreadable,  // no such file, no permission, a folder
   kFactorEmpty,
   kNoVector,
+  kNotDerived,  // libcrypto failed, and the destination is zero
   kWorkKeyUnreadable,
   kWorkKeyNotBase64,   // nothing in the file that decodes
   kWorkKeyTooShort,    // fewer bytes than an IV
@@ -30,7 +31,7 @@ enum class KeyFault {
 int find_key(std::string_view name);
 
 // Contracts of getFactorByIndex, DeriveInitKeyByIndex and getPlainWorkKeyByName. Whatever is
-// wrong, the destination is untouched.
+// wrong but kNotDerived, the destination is untouched.
 KeyFault read_factor(int index, unsigned char* dst, int dst_size);
 KeyFault derive_init_key(int index, unsigned char* out, int out_len);
 KeyFault load_work_key(std::string_view name, char* out, int out_size);

@@ -30,13 +30,16 @@ bool seal(const unsigned char* in, int in_len, unsigned char* out, int* out_len,
     securec::fill_memory(out, static_cast<size_t>(*out_len), 0, static_cast<size_t>(*out_len));
     return false;
   }
-  // Callers depend on a step that fails with 0 being passed over: it has written nothing.
   const EVP_CIPHER* cipher = type == kSealedWithAes256 ? EVP_aes_256_cbc() : EVP_aes_128_cbc();
-  EVP_EncryptInit_ex(ctx.get(), cipher, nullptr, key, iv);
+  const bool started = EVP_EncryptInit_ex(ctx.get(), cipher, nullptr, key, iv) > 0;
   securec::move_memory(out, static_cast<size_t>(*out_len), iv, kIvSize);
-  int updated, finished;
-  if (update<Encryption>(ctx.get(), out + kIvSize, &updated, in, in_len) < 0) return false;
-  if (finish<Encryption>(ctx.get(), out + kIvSize + updated, &finished) < 0) return false;
+  // Callers depend on a step that fails with 0 being passed over: it has written nothing. With a
+  // cipher and no key, as a start without memory leaves it, the next steps would crash.
+  int updated = 0, finished = 0;
+  if (started) {
+    if (update<Encryption>(ctx.get(), out + kIvSize, &updated, in, in_len) < 0) return false;
+    if (finish<Encryption>(ctx.get(), out + kIvSize + updated, &finished) < 0) return false;
+  }
   *out_len = kIvSize + updated + finished;
   return true;
 }
@@ -51,7 +54,7 @@ Opening open_sealed(const unsigned char* in, int in_len, unsigned char* out, int
   if (in_len < kIvSize) return Opening::kDoubtful;
   if (type != kSealedWithAes128 && type != kSealedWithAes256) return Opening::kDoubtful;
   const EVP_CIPHER* cipher = type == kSealedWithAes256 ? EVP_aes_256_cbc() : EVP_aes_128_cbc();
-  EVP_DecryptInit_ex(ctx.get(), cipher, nullptr, key, in);
+  if (EVP_DecryptInit_ex(ctx.get(), cipher, nullptr, key, in) <= 0) return Opening::kDoubtful;
   int updated, finished;
   if (update<Decryption>(ctx.get(), out, &updated, in + kIvSize, in_len - kIvSize) < 0) {
     return Opening::kRefused;

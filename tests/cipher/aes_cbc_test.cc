@@ -8,7 +8,6 @@
 #include <string>
 
 #include "cipher/support.h"
-#include "support/allocation.h"
 #include "support/guarded.h"
 #include "support/key_files.h"
 
@@ -168,23 +167,6 @@ TEST_F(AesCbc, CacheIsFilledOnce) {
   EXPECT_EQ(0, PLX_aesCbcDecrypt(text, 45, out, 100));
   g_WorkKey[0] = 0;
   EXPECT_EQ(-1, PLX_aesCbcDecrypt(text, 45, out, 100));
-}
-
-TEST_F(AesCbc, EveryAllocationFailing) {
-  files_.provision(4, kFactor, "key");
-  char text[100] = "", out[100];
-  const auto encrypt = [&](const AllocationFault& fault) {
-    const int n = PLX_aesCbcEncryptByRandomKey(bytes(kKey), 8, text, 100);
-    EXPECT_EQ(fault.hit() ? -1 : 48, n);
-  };
-  const auto decrypt = [&](const AllocationFault& fault) {
-    const int n = PLX_aesCbcDecryptByRandomKey(text, 45, out, 100);
-    EXPECT_EQ(fault.hit() ? -1 : 8, n);
-  };
-  long leaked = 0;
-  EXPECT_LE(6u, fail_each_allocation(encrypt, &leaked));
-  EXPECT_LE(7u, fail_each_allocation(decrypt, &leaked));
-  EXPECT_EQ(0, leaked);
 }
 
 }  // namespace

@@ -8,7 +8,6 @@
 
 #include "cipher/secrets.h"
 #include "cipher/support.h"
-#include "support/allocation.h"
 #include "support/key_files.h"
 
 namespace {
@@ -258,24 +257,6 @@ TEST(AesRequest, StoredPrefixOfAnyLength) {
   }
   files.provision(1, "a 16-byte factor", std::string(256, 'k'));  // does not fit
   EXPECT_EQ(0, encrypt(request_of({"ECB", "128", "", "", ""}, "plainText", "abc")).result);
-}
-
-TEST(AesRequest, EveryAllocationFailing) {
-  const std::string sealed = to_hex(judge_request(kCiphers[0], "", true, "abc"));
-  long leaked = 0;
-  for (bool encrypting : {true, false}) {
-    const std::string request = request_of(kCiphers[0], encrypting ? "plainText" : "cipherText",
-                                           encrypting ? "abc" : sealed);
-    char out[200];
-    EXPECT_LE(10u, fail_each_allocation(
-                       [&](const AllocationFault& fault) {
-                         const int result = encrypting ? PLX_AesEncry(request.c_str(), out)
-                                                       : PLX_AesDecry(request.c_str(), out, 200);
-                         EXPECT_EQ(fault.hit() ? 0 : 1, result);
-                       },
-                       &leaked));
-  }
-  EXPECT_EQ(0, leaked);
 }
 
 }  // namespace

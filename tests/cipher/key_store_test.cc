@@ -8,7 +8,6 @@
 
 #include "cipher/key_store.h"
 #include "cipher/support.h"
-#include "support/allocation.h"
 #include "support/key_files.h"
 
 namespace {
@@ -201,15 +200,6 @@ TEST(KeyStore, WorkKey) {
   g_stKeyMap[1].pszWorkKeyPath = path;
   EXPECT_STREQ("untouched", out);
   EXPECT_EQ(descriptors, open_descriptors());
-
-  const auto load = [&](const AllocationFault& fault) {
-    const int result = getPlainWorkKeyByName("aes_prefix_key", out, 32);
-    EXPECT_EQ(fault.hit() ? -1 : 0, result);
-    EXPECT_STREQ(fault.hit() ? "untouched" : "key", out);
-  };
-  long leaked = 0;
-  EXPECT_LE(4u, fail_each_allocation(load, &leaked));
-  EXPECT_EQ(0, leaked);
 }
 
 TEST(KeyStore, EachKeyIsItsOwnAndOneIsTheBoxes) {

@@ -132,26 +132,4 @@ TEST(Array, FailedGrowth) {
   }
 }
 
-TEST(Array, CreationUnderFailures) {
-  int value = 1;
-  PLX_array* source = PLX_array_create(nullptr);
-  PLX_array_append(source, &value);
-  PLX_hashtable* table = PLX_hashtable_create(4, PLX_intHashValue, PLX_intHashCompare, nullptr);
-  PLX_hashtable_insert(table, &value, &value);
-  long leaked = 0;
-  const size_t failures = plx_test::fail_each_allocation(
-      [&](const plx_test::AllocationFault& fault) {
-        PLX_array* copy = PLX_array_createFromArray(source);
-        PLX_array* values = PLX_array_createFromHashTable(table, nullptr);
-        EXPECT_EQ(fault.hit(), copy == nullptr || values == nullptr);
-        PLX_array_destroyWithoutClean(copy);
-        PLX_array_destroyWithoutClean(values);
-      },
-      &leaked);
-  EXPECT_EQ(4u, failures);
-  EXPECT_EQ(0, leaked);
-  PLX_hashtable_destroy(table);
-  PLX_array_destroyWithoutClean(source);
-}
-
 }  // namespace

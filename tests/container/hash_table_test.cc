@@ -85,22 +85,4 @@ TEST(HashTable, RefusesWhatItCannotHold) {
   PLX_hashtable_destroy(table);
 }
 
-TEST(HashTable, EveryAllocationFailing) {
-  const uint32_t key = 1;
-  int value = 0;
-  long leaked = 0;
-  const size_t failures = plx_test::fail_each_allocation(
-      [&](const plx_test::AllocationFault& fault) {
-        PLX_hashtable* table =
-            PLX_hashtable_create(8, PLX_intHashValue, PLX_intHashCompare, nullptr);
-        const int inserted = PLX_hashtable_insert(table, &key, &value);
-        EXPECT_EQ(fault.hit() ? -1 : 0, inserted);
-        EXPECT_EQ(fault.hit() ? nullptr : &value, PLX_hashtable_find(table, &key));
-        PLX_hashtable_destroy(table);
-      },
-      &leaked);
-  EXPECT_EQ(3u, failures);
-  EXPECT_EQ(0, leaked);
-}
-
 }  // namespace
