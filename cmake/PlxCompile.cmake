@@ -41,6 +41,10 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang" AND NOT CMAKE_SYSTEM_PROCESSOR MATCHES
   target_compile_options(plx_library_options INTERFACE -Wno-unused-command-line-argument)
 endif()
 
+# Flags for the library and not its tests: scripts/verify tries every optimisation level with them.
+set(PLX_LIBRARY_FLAGS "" CACHE STRING "More flags to compile the library with")
+target_compile_options(plx_library_options INTERFACE ${PLX_LIBRARY_FLAGS})
+
 # Sanitizers apply to everything that is linked together, tests included.
 set(PLX_SANITIZE "" CACHE STRING "Sanitizers to compile with, for instance address,undefined")
 if(PLX_SANITIZE)

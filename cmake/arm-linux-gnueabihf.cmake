@@ -4,8 +4,16 @@
 
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR arm)
-set(CMAKE_C_COMPILER arm-linux-gnueabihf-gcc)
-set(CMAKE_CXX_COMPILER arm-linux-gnueabihf-g++)
+list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES PLX_CLANG)
+if(PLX_CLANG) # -DPLX_CLANG=ON: clang instead of gcc
+  set(CMAKE_C_COMPILER clang)
+  set(CMAKE_CXX_COMPILER clang++)
+  set(CMAKE_C_COMPILER_TARGET arm-linux-gnueabihf)
+  set(CMAKE_CXX_COMPILER_TARGET arm-linux-gnueabihf)
+else()
+  set(CMAKE_C_COMPILER arm-linux-gnueabihf-gcc)
+  set(CMAKE_CXX_COMPILER arm-linux-gnueabihf-g++)
+endif()
 
 set(PLX_ARM_ROOT ${CMAKE_CURRENT_LIST_DIR}/../build/arm-root)
 cmake_path(ABSOLUTE_PATH PLX_ARM_ROOT NORMALIZE)

@@ -38,7 +38,7 @@ TEST(Cpu, AskedOnceAndOfThisMachineOnly) {
   EXPECT_EQ(known, g_features.load());
   EXPECT_NE(0u, known & kAsked);
   EXPECT_TRUE(has(kNothing));
-#if defined(__x86_64__)
+#if defined(__x86_64__) || defined(__i386__)
   EXPECT_EQ(__builtin_cpu_supports("avx2") != 0, has(kAvx2));
   EXPECT_EQ(__builtin_cpu_supports("avx512vbmi") != 0, has(kAvx512Vbmi));
   EXPECT_FALSE(has(kArmNeon));
