@@ -7,10 +7,11 @@
 #include <stdint.h>
 
 // A sanitizer would object. Where it watches, only what belongs to the text is read.
-#if defined(__SANITIZE_ADDRESS__)
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 #define PLX_READS_ARE_CHECKED 1
 #elif defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(memory_sanitizer)
+#if __has_feature(address_sanitizer) || __has_feature(memory_sanitizer) || \
+    __has_feature(thread_sanitizer)
 #define PLX_READS_ARE_CHECKED 1
 #endif
 #endif

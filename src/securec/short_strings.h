@@ -25,36 +25,38 @@ namespace plx::securec {
 constexpr size_t kShortText = 96;  // bytes that are looked at
 // What is not a length; both are above every valid size.
 constexpr size_t kLongText = SIZE_MAX;         // no terminator among these bytes
-constexpr size_t kUnknownText = SIZE_MAX - 1;  // not looked at all of them
+constexpr size_t kUnknownText = SIZE_MAX - 1;  // not looked at
 
 #ifdef PLX_SHORT_STRINGS_SSE2
 
-// One bit for each of 32 bytes, set where it is 0.
-inline uint32_t zero_bytes(const char* text) {
-  const auto zeros_of = [](const char* bytes) {
-    const __m128i word = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
-    const __m128i equal = _mm_cmpeq_epi8(word, _mm_setzero_si128());
-    return static_cast<uint32_t>(_mm_movemask_epi8(equal));
-  };
-  return zeros_of(text) | zeros_of(text + 16) << 16;
+// One bit for each of 16 bytes, set where it is 0.
+inline uint32_t zero_bytes(const __m128i* vector) {
+  const __m128i equal = _mm_cmpeq_epi8(_mm_load_si128(vector), _mm_setzero_si128());
+  return static_cast<uint32_t>(_mm_movemask_epi8(equal));
 }
 
-// Length of `text` when its terminator is among the first kShortText bytes and these lie within a
-// page. As in the C library, bytes behind a text are looked at when they lie in the page of its
-// first one: they are there, and they decide nothing.
-inline size_t short_length(const char* text) {
-  const size_t readable = bytes_to_page_end(text);
-  if (readable < 32) return kUnknownText;
-  const uint32_t first = zero_bytes(text);
-  if (__builtin_expect(first != 0, 1)) return static_cast<size_t>(__builtin_ctz(first));
-  if (readable < kShortText) return kUnknownText;
-  const uint64_t next = zero_bytes(text + 32) | static_cast<uint64_t>(zero_bytes(text + 64)) << 32;
-  return next != 0 ? 32 + static_cast<size_t>(__builtin_ctzll(next)) : kLongText;
+// Length of `text`, of which `limit` bytes may be read, when its terminator is among them and among
+// the first kShortText bytes. As in the C library, bytes beside a text are looked at when an
+// aligned vector holds them with some of its own: they lie in its page, and decide nothing.
+inline size_t short_length(const char* text, size_t limit) {
+  constexpr size_t kVector = sizeof(__m128i);
+  const size_t offset = reinterpret_cast<uintptr_t>(text) % kVector;
+  const __m128i* at = reinterpret_cast<const __m128i*>(text - offset);
+  uint32_t zeros = zero_bytes(at) >> offset;
+  if (zeros != 0) return static_cast<size_t>(__builtin_ctz(zeros));
+  limit = std::min(limit, kShortText);
+  for (size_t seen = kVector - offset; seen < limit; seen += kVector) {
+    zeros = zero_bytes(++at);
+    if (zeros == 0) continue;
+    const size_t length = seen + static_cast<size_t>(__builtin_ctz(zeros));
+    return length < kShortText ? length : kLongText;
+  }
+  return kLongText;
 }
 
 #else
 
-inline size_t short_length(const char*) { return kUnknownText; }
+inline size_t short_length(const char*, size_t) { return kUnknownText; }
 
 #endif
 
@@ -69,7 +71,7 @@ inline size_t short_length(const char*) { return kUnknownText; }
 inline bool copy_short_string(char* dst, size_t dst_size, const char* src, size_t count) {
   if (dst_size > SECURE_MEM_LIMIT || dst == nullptr || src == nullptr) return false;
   if (!is_valid_count<char>(count)) return false;
-  const size_t whole = short_length(src);
+  const size_t whole = short_length(src, std::min(count, dst_size));
   if (whole == kUnknownText) return false;
   const size_t length = std::min(whole, count);
   if (length > kShortText || length >= dst_size) return false;
@@ -81,8 +83,10 @@ inline bool copy_short_string(char* dst, size_t dst_size, const char* src, size_
 
 inline bool append_short_string(char* dst, size_t dst_size, const char* src) {
   if (dst_size > SECURE_MEM_LIMIT || dst == nullptr || src == nullptr) return false;
-  const size_t end = short_length(dst), length = short_length(src);
-  if (end >= dst_size || length >= dst_size - end) return false;
+  const size_t end = short_length(dst, dst_size);
+  if (end >= dst_size) return false;
+  const size_t length = short_length(src, dst_size - end);
+  if (length >= dst_size - end) return false;
   // Neither text reaches into the other, before or after.
   if (ranges_overlap(dst, src, end + length + 1)) return false;
   copy_short_block(dst + end, src, length + 1);

@@ -146,7 +146,7 @@ inline errno_t copy_measured(char* dst, size_t dst_size, const char* src, size_t
 // Most texts are short, and nothing is wrong with most calls.
 [[gnu::always_inline]] inline errno_t copy_whole(char* dst, size_t dst_size, const char* src) {
   if (dst_size <= SECURE_MEM_LIMIT && dst != nullptr && src != nullptr) {
-    const size_t length = short_length(src);
+    const size_t length = short_length(src, dst_size);
     if (length < dst_size && !ranges_overlap(dst, src, length + 1)) {
       copy_short_block(dst, src, length + 1);
       return EOK;
