@@ -142,22 +142,90 @@ TEST(Memory, TheTextOfANumberIsWiped) {
   text->~NumberText();
 }
 
-int engine(SecureInputSource* source, const char* format, ...) {
+// The functions that take a list of arguments.
+template <typename Char>
+struct Lists;
+template <>
+struct Lists<char> {
+  static constexpr auto kString = vsscanf_s;
+  static constexpr auto kFile = vfscanf_s;
+  static constexpr auto kEngine = securec_input_s;
+  static constexpr auto kClear = clearDestBuf;
+  static int standard_input(FILE*, const char* format, va_list args) {
+    return vscanf_s(format, args);
+  }
+};
+template <>
+struct Lists<wchar_t> {
+  static constexpr auto kString = vswscanf_s;
+  static constexpr auto kFile = vfwscanf_s;
+  static constexpr auto kEngine = securec_winput_s;
+  static constexpr auto kClear = clearwDestBuf;
+  static int standard_input(FILE*, const wchar_t* format, va_list args) {
+    return vwscanf_s(format, args);
+  }
+};
+
+template <auto kList, typename From, typename Char>
+int by_list(From from, const Char* format, ...) {
   va_list args;
   va_start(args, format);
-  const int result = securec_input_s(source, format, args);
+  int result = 0;
+  if constexpr (std::is_void_v<decltype(kList(from, format, args))>) {
+    kList(from, format, args);
+  } else {
+    result = kList(from, format, args);
+  }
   va_end(args);
   return result;
 }
 
-TEST(Engine, TellsANullDestinationFromTheEnd) {
-  plx::securec::input::StringSource<char> number("5", 1), end("", 0);
+template <typename Char>
+class ByList : public testing::Test {};
+using Widths = testing::Types<char, wchar_t>;
+TYPED_TEST_SUITE(ByList, Widths);
+
+TYPED_TEST(ByList, EverySource) {
+  using Char = TypeParam;
+  using L = Lists<Char>;
+  const auto text = of_width<Char>("5 abc"), format = of_width<Char>("%d %s");
+  const auto check = [&](int result, int value, char* word) {
+    EXPECT_EQ(2, result);
+    EXPECT_EQ(5, value);
+    EXPECT_STREQ("abc", word);
+    memset(word, 'x', 4);
+  };
+  int value = 0;
+  char word[4];
+  const Char* const first = text.c_str();
+  const int by_string = by_list<L::kString>(first, format.c_str(), &value, word, 4u);
+  check(by_string, value, word);
+  FILE* const file = file_of(bytes_of<Char>("5 abc"));
+  const int by_file = by_list<L::kFile>(file, format.c_str(), &value, word, 4u);
+  fclose(file);
+  check(by_file, value, word);
+  StandardInput input("5 abc");
+  check(by_list<L::standard_input>(stdin, format.c_str(), &value, word, 4u), value, word);
+  by_list<L::kClear>(first, of_width<Char>("%s").c_str(), word, 4u);
+  EXPECT_EQ(0, word[0]);
+  EXPECT_EQ('x', word[1]);
+  by_list<L::kClear, const Char*, Char>(first, nullptr, word, 4u);
+}
+
+TYPED_TEST(ByList, TheEngineTellsANullDestinationFromTheEnd) {
+  using Char = TypeParam;
+  using L = Lists<Char>;
+  const auto text = of_width<Char>("5"), format = of_width<Char>("%d");
+  plx::securec::input::StringSource<Char> number(text.c_str(), 1), end(text.c_str() + 1, 0);
+  plx::securec::input::Source<Char>* const none = nullptr;
+  plx::securec::input::Source<Char>*const five = &number, *const nothing = &end;
   int value;
-  EXPECT_EQ(-1, engine(nullptr, "%d", &value));
-  EXPECT_EQ(-1, engine(&number, nullptr));
-  EXPECT_EQ(-2, engine(&number, "%d", nullptr));
-  EXPECT_EQ(1, engine(&number, "%d", &value));
-  EXPECT_EQ(-1, engine(&end, "%d", &value));
+  void* const null = nullptr;
+  EXPECT_EQ(-1, by_list<L::kEngine>(none, format.c_str(), &value));
+  EXPECT_EQ(-1, (by_list<L::kEngine, decltype(five), Char>(five, nullptr)));
+  EXPECT_EQ(-2, by_list<L::kEngine>(five, format.c_str(), null));
+  EXPECT_EQ(1, by_list<L::kEngine>(five, format.c_str(), &value));
+  EXPECT_EQ(-1, by_list<L::kEngine>(nothing, format.c_str(), &value));
 }
 
 }  // namespace
