@@ -92,3 +92,38 @@ PLX_TWIN_INT(getPlainWorkKeyByName, "getPlainWorkKeyByName",
 PLX_TWIN_INT(getFactorByIndex, "_Z16getFactorByIndexiPhi",
              (int index, unsigned char* dst, int dstSize), (index, dst, dstSize),
              (PLX_SIZE(index), PLX_SIZE(dstSize)), PLX_NOTHING)
+
+// The static members, which are defined here as the library's own are.
+namespace TRUX {
+namespace CIPHER {
+
+#define PLX_TWIN_MEMBER(function, symbol, parameters, arguments, sizes, used)                \
+  PLX_TWIN_(int, CCipher::function, "_ZN4TRUX6CIPHER7CCipher" symbol, parameters, arguments, \
+            result == 0, result, sizes, used)
+
+PLX_TWIN_MEMBER(deriveKey, "9deriveKeyEPKciPKhiiiPh",
+                (const char* pass, int passLen, const unsigned char* salt, int saltLen,
+                 int iterations, int keyLen, unsigned char* out),
+                (pass, passLen, salt, saltLen, iterations, keyLen, out),
+                (PLX_SIZE(passLen), PLX_SIZE(saltLen), PLX_SIZE(keyLen)), PLX_NOTHING)
+PLX_TWIN_MEMBER(GenerateRand, "12GenerateRandEPhi", (unsigned char* out, int len), (out, len),
+                (PLX_SIZE(len)), PLX_NOTHING)
+PLX_TWIN_MEMBER(EncryptData, "11EncryptDataEPKhiPhRiS4_12AES_CBC_TYPE",
+                (const unsigned char* in, int inLen, unsigned char* out, int& outLen,
+                 unsigned char* key, AES_CBC_TYPE type),
+                (in, inLen, out, outLen, key, type), (PLX_SIZE(inLen)), PLX_NOTHING)
+PLX_TWIN_MEMBER(DecryptData, "11DecryptDataEPKhiPhRiS4_12AES_CBC_TYPE",
+                (const unsigned char* in, int inLen, unsigned char* out, int& outLen,
+                 unsigned char* key, AES_CBC_TYPE type),
+                (in, inLen, out, outLen, key, type), (PLX_SIZE(inLen)), PLX_NOTHING)
+
+#define PLX_TWIN_TEXT_MEMBER(Result, function, symbol, parameters, arguments, sizes)            \
+  PLX_TWIN_(Result, CCipher::function, "_ZN4TRUX6CIPHER7CCipher" symbol, parameters, arguments, \
+            result == nullptr, result, sizes, PLX_NOTHING)
+PLX_TWIN_TEXT_MEMBER(const char*, Base64, "6Base64EPKhi", (const unsigned char* data, int len),
+                     (data, len), (PLX_SIZE(len)))
+PLX_TWIN_TEXT_MEMBER(unsigned char*, UnBase64, "8UnBase64EPKciPi",
+                     (const char* text, int len, int* outLen), (text, len, outLen), (PLX_SIZE(len)))
+
+}  // namespace CIPHER
+}  // namespace TRUX

@@ -15,6 +15,8 @@ PLX_TWIN_(void*, PLX_reallocMem, "PLX_reallocMem", (void* oldBlock, size_t newSi
 PLX_TWIN_(char*, PLX_strdup, "PLX_strdup", (const char* str), (str), result == nullptr, result, (),
           PLX_NOTHING)
 
+PLX_TWIN_(PLX_array*, PLX_array_createFromArray, "PLX_array_createFromArray",
+          (const PLX_array* array), (array), result == nullptr, result, (), PLX_NOTHING)
 PLX_TWIN_INT(PLX_array_append, "PLX_array_append", (PLX_array * array, void* element),
              (array, element), (), PLX_NOTHING)
 PLX_TWIN_INT(PLX_array_insert, "PLX_array_insert", (PLX_array * array, void* element, int index),
@@ -25,6 +27,12 @@ PLX_TWIN_INT(PLX_array_preAppend, "PLX_array_preAppend", (PLX_array * array, int
              (PLX_SIZE(n)), PLX_NOTHING)
 PLX_TWIN_INT(PLX_array_move, "PLX_array_move", (PLX_array * array, int from, int to),
              (array, from, to), (PLX_SIZE(from), PLX_SIZE(to)), PLX_NOTHING)
+PLX_TWIN_(PLX_hashtable*, PLX_hashtable_create, "PLX_hashtable_create",
+          (uint32_t bucketCount, uint32_t (*hashFn)(const void* key, uint32_t bucketCount),
+           int (*compareFn)(const void* storedKey, const void* wantedKey),
+           void (*freeFn)(void* value)),
+          (bucketCount, hashFn, compareFn, freeFn), result == nullptr, result,
+          (PLX_SIZE(bucketCount)), PLX_NOTHING)
 PLX_TWIN_INT(PLX_hashtable_insert, "PLX_hashtable_insert",
              (PLX_hashtable * table, const void* key, void* value), (table, key, value), (),
              PLX_NOTHING)
@@ -37,3 +45,10 @@ PLX_TWIN_(PLX_bufList*, PLX_bufList_init, "_Z16PLX_bufList_initii", (int bufNum,
 PLX_TWIN_INT(PLX_bufList_push_back, "_Z21PLX_bufList_push_backP11PLX_bufListPKvi",
              (PLX_bufList * list, const void* data, int len), (list, data, len), (PLX_SIZE(len)),
              PLX_NOTHING)
+PLX_TWIN_INT(PLX_bufList_getUseableBuf, "_Z25PLX_bufList_getUseableBufP11PLX_bufListPPv",
+             (PLX_bufList * list, void** buf), (list, buf), (), PLX_NOTHING)
+
+// An empty queue is no refusal.
+PLX_TWIN_(int, PLX_bufList_pop_front, "_Z21PLX_bufList_pop_frontP11PLX_bufListPPvPi",
+          (PLX_bufList * list, void** buf, int* len), (list, buf, len),
+          list == nullptr || buf == nullptr || len == nullptr, result, (), PLX_NOTHING)
