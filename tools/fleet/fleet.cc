@@ -23,7 +23,9 @@
 namespace plx::tool {
 namespace {
 
-constexpr size_t kBatch = 64;
+// How much may have to be made again after a run was stopped.
+constexpr size_t kLargestBatch = 1024;
+constexpr std::chrono::milliseconds kLongestBatch(250);
 
 struct Tally {
   uint64_t made = 0, kept = 0, bad = 0;
@@ -49,50 +51,61 @@ void require_same_secrets(const FleetPlan& plan, const std::string& fingerprint)
   const std::string path = plan.out + "/fleet";
   const std::string content = "secrets " + fingerprint + "\n";
   if (!exists(path)) {
+    const std::string unfinished = plan.work_folder() + "/fleet";
     Access access;
     access.mode = 0644;
-    AtomicFile file(path, access);
+    AtomicFile file(unfinished, access);
     file.write(content);
     file.commit();
+    move_into_place(unfinished, path);
   } else if (read_whole(path, 4096) != content) {
     refuse(fmt::format("{}: made with other secrets than those of this library", plan.out),
            "use the library that began it, or another folder");
   }
 }
 
+// Makes all that stands below `folder` durable. One call for a whole batch: three synchronisations
+// of its own cost a box many times what its key derivation does.
+void sync_all_below(const std::string& folder) {
+  const int fd = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (fd < 0) system_failure(folder, errno);
+  const bool synchronised = syncfs(fd) == 0;
+  const int error = errno;
+  close(fd);
+  if (!synchronised) system_failure(folder, error);
+}
+
+// The shared keys become one folder that appears when all of it is there.
 void make_shared_keys(const FleetPlan& plan, Manifest* manifest) {
   const std::string root = plan.out + "/shared";
-  make_folders(root);
-  use_root(root);
+  const std::string unfinished = plan.work_folder() + "/shared";
+  const bool begun = exists(root);
+  const std::string& place = begun ? root : unfinished;
+  make_folders(place);
+  use_root(place);
   for (int index = 0; index < kKeyCount; ++index) {
     if (index == kBoxKey) continue;
     provision_key(index, plan.recipe);
     const KeyPaths paths = key_paths(index);
     for (const std::string& path : {paths.factor, paths.work_key}) {
-      manifest->add(sha256_of(path), path.substr(plan.out.size() + 1));
+      manifest->add(sha256_of(path), "shared" + path.substr(place.size()));
     }
   }
-}
-
-void sync_file(const std::string& path) {
-  const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC);
-  if (fd < 0) system_failure(path, errno);
-  const bool synchronised = fsync(fd) == 0;
-  const int error = errno;
-  close(fd);
-  if (!synchronised) system_failure(path, error);
+  if (begun) return;
+  sync_all_below(unfinished);
+  move_into_place(unfinished, root);
 }
 
 // Gives finished boxes their names, once they are on the disk.
 void settle(const FleetPlan& plan, const std::vector<Report>& batch, Manifest* manifest) {
+  if (manifest == nullptr || batch.empty()) return;
+  sync_all_below(plan.work_folder());
   for (const Report& report : batch) {
     if (report.kind != Report::kMade) continue;
-    const std::string unfinished = unfinished_box(plan, report.row);
-    sync_file(unfinished + "/f");
-    sync_file(unfinished + "/w");
-    sync_folder(unfinished);
     const std::string box = plan.box_folder(report.id);
-    if (rename(unfinished.c_str(), box.c_str()) != 0) system_failure(box, errno);
+    if (rename(unfinished_box(plan, report.row).c_str(), box.c_str()) != 0) {
+      system_failure(box, errno);
+    }
   }
   sync_folder(plan.out + "/boxes");
   for (const Report& report : batch) {
@@ -108,12 +121,14 @@ Tally run_workers(const FleetPlan& plan, const SeenTable& seen, uint64_t rows, M
   Progress progress("boxes", rows, Progress::Unit::kBoxes, true);
   Workers workers(plan, seen);
   std::vector<Report> batch;
+  auto settled = std::chrono::steady_clock::now();
   for (Report report; workers.next(&report);) {
     switch (report.kind) {
       case Report::kStopped:
+        settle(plan, batch, manifest);
         system_failure_text(report.text,
                             fmt::format("{} boxes are finished; the same command goes on from here",
-                                        tally.made + tally.kept - batch.size()));
+                                        tally.made + tally.kept));
       case Report::kBadRow:
         ++tally.bad;
         progress.clear();
@@ -123,13 +138,15 @@ Tally run_workers(const FleetPlan& plan, const SeenTable& seen, uint64_t rows, M
         ++(report.kind == Report::kMade ? tally.made : tally.kept);
         batch.push_back(report);
     }
-    if (batch.size() == kBatch || !workers.pending()) {
-      if (manifest != nullptr) settle(plan, batch, manifest);
+    if (batch.size() == kLargestBatch ||
+        std::chrono::steady_clock::now() - settled >= kLongestBatch) {
+      settle(plan, batch, manifest);
       batch.clear();
+      settled = std::chrono::steady_clock::now();
     }
     progress.update(tally.total());
   }
-  if (manifest != nullptr) settle(plan, batch, manifest);
+  settle(plan, batch, manifest);
   return tally;
 }
 

@@ -1,11 +1,8 @@
 #include "fleet/manifest.h"
 
-#include <errno.h>
 #include <fmt/core.h>
-#include <stdio.h>
 
 #include "digest/check_list.h"
-#include "support/failure.h"
 
 namespace plx::tool {
 namespace {
@@ -33,8 +30,7 @@ void Manifest::add(const std::string& digest, const std::string& name) {
 void Manifest::publish(const std::string& path) {
   file_.write(lines_);
   file_.commit();
-  if (rename(unfinished_.c_str(), path.c_str()) != 0) system_failure(path, errno);
-  sync_folder(folder_of(path));
+  move_into_place(unfinished_, path);
 }
 
 }  // namespace plx::tool

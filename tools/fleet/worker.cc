@@ -4,7 +4,6 @@
 #include <fcntl.h>
 #include <fmt/core.h>
 #include <plx/securec.h>
-#include <poll.h>
 #include <signal.h>
 #include <string.h>
 #include <sys/mman.h>
@@ -125,11 +124,6 @@ Workers::~Workers() {
     waitpid(worker, nullptr, 0);
   }
   close(pipe_);
-}
-
-bool Workers::pending() const {
-  pollfd waiting = {pipe_, POLLIN, 0};
-  return poll(&waiting, 1, 0) == 1;
 }
 
 bool Workers::next(Report* report) {

@@ -43,8 +43,6 @@ class Workers {
 
   // The next report; false when all workers have ended. Ends the command when one died.
   bool next(Report* report);
-  // Whether a report is there already.
-  bool pending() const;
 
  private:
   void wait_for_all();

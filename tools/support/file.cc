@@ -119,9 +119,8 @@ void AtomicFile::finish() {
 
 void AtomicFile::commit() {
   finish();
-  if (rename(temporary_.c_str(), path_.c_str()) != 0) system_failure(path_, errno);
+  move_into_place(temporary_, path_);
   temporary_.clear();
-  sync_folder(folder_of(path_));
 }
 
 void write_new_file(const std::string& path, std::string_view data, const Access& access) {
@@ -162,6 +161,11 @@ void sync_folder(const std::string& path) {
   if (fd < 0) return;  // a folder that may be entered but not read; the rename stands all the same
   fsync(fd);
   close(fd);
+}
+
+void move_into_place(const std::string& from, const std::string& to) {
+  if (rename(from.c_str(), to.c_str()) != 0) system_failure(to, errno);
+  sync_folder(folder_of(to));
 }
 
 bool exists(const std::string& path) {

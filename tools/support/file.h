@@ -51,6 +51,8 @@ void make_folders(const std::string& path);
 std::string folder_of(const std::string& path);
 // Makes a rename in this folder durable.
 void sync_folder(const std::string& path);
+// Gives a finished file or folder its final name, durably.
+void move_into_place(const std::string& from, const std::string& to);
 bool exists(const std::string& path);
 
 // Reads a whole file, or standard input for "-". Files above `limit` bytes are refused.

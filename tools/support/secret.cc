@@ -3,6 +3,8 @@
 #include <errno.h>
 #include <fcntl.h>
 #include <fmt/core.h>
+#include <poll.h>
+#include <signal.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -13,10 +15,25 @@
 namespace plx::tool {
 namespace {
 
-// Switches the terminal's echo off for the time of one answer.
+constexpr int kEndingSignals[] = {SIGHUP, SIGINT, SIGQUIT, SIGTERM, SIGTSTP};
+volatile sig_atomic_t caught_signal = 0;
+
+// Switches the terminal's echo off for the time of one answer. Signals that would end or stop the
+// program are put off until the terminal is as it was.
 class SilentTerminal {
  public:
   explicit SilentTerminal(int fd) : fd_(fd) {
+    caught_signal = 0;
+    sigset_t put_off;
+    sigemptyset(&put_off);
+    struct sigaction note = {};
+    note.sa_handler = [](int number) { caught_signal = number; };
+    for (size_t i = 0; i < kCount; ++i) {
+      sigaddset(&put_off, kEndingSignals[i]);
+      sigaction(kEndingSignals[i], &note, &actions_[i]);
+      if (actions_[i].sa_handler == SIG_IGN) sigaction(kEndingSignals[i], &actions_[i], nullptr);
+    }
+    sigprocmask(SIG_BLOCK, &put_off, &mask_);
     known_ = tcgetattr(fd, &before_) == 0;
     if (!known_) return;
     termios silent = before_;
@@ -25,14 +42,27 @@ class SilentTerminal {
   }
   ~SilentTerminal() {
     if (known_) tcsetattr(fd_, TCSAFLUSH, &before_);
+    for (size_t i = 0; i < kCount; ++i) sigaction(kEndingSignals[i], &actions_[i], nullptr);
+    sigprocmask(SIG_SETMASK, &mask_, nullptr);
   }
   SilentTerminal(const SilentTerminal&) = delete;
   SilentTerminal& operator=(const SilentTerminal&) = delete;
 
+  // Waits for a line; false when a signal comes first. Only here are signals let in.
+  bool wait() const {
+    pollfd input = {fd_, POLLIN, 0};
+    while (ppoll(&input, 1, nullptr, &mask_) < 0 && caught_signal == 0) {
+    }
+    return caught_signal == 0;
+  }
+
  private:
+  static constexpr size_t kCount = sizeof kEndingSignals / sizeof kEndingSignals[0];
   int fd_;
   bool known_;
   termios before_;
+  sigset_t mask_;
+  struct sigaction actions_[kCount];
 };
 
 struct Descriptor {
@@ -65,14 +95,18 @@ Secret read_all(int fd, const std::string& name, size_t limit, bool one_line) {
 }
 
 Secret ask(const char* what, size_t limit) {
-  fmt::print(stderr, "{}: ", what);
-  fflush(stderr);
   Secret secret;
-  {
-    const SilentTerminal silent(STDIN_FILENO);
-    secret = read_all(STDIN_FILENO, "the answer", limit, true);
-  }
-  fmt::print(stderr, "\n");
+  do {
+    fmt::print(stderr, "{}: ", what);
+    fflush(stderr);
+    {
+      const SilentTerminal silent(STDIN_FILENO);
+      if (silent.wait()) secret = read_all(STDIN_FILENO, "the answer", limit, true);
+    }
+    fmt::print(stderr, "\n");
+    // Now it may do what it does; who comes back from being stopped is asked again.
+    if (caught_signal != 0) raise(caught_signal);
+  } while (caught_signal != 0);
   drop_line_end(&secret);
   return secret;
 }
