@@ -71,7 +71,7 @@ bool read_key_size(const PLX_JsonValue* root, tagAes* aes) {
   char text[8] = {};
   getAesJsonField(root, "cipherSize", text, sizeof text);
   // Callers depend on a size with letters behind it, and on there being no default.
-  aes->iKeyBits = atoi(text);
+  aes->iKeyBits = atoi(text);  // NOLINT(cert-err34-c): whatever is no number is no size either
   return aes->iKeyBits == 128 || aes->iKeyBits == 192 || aes->iKeyBits == 256;
 }
 

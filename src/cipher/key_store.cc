@@ -58,9 +58,9 @@ KeyFault read_start(const char* path, const SecretArray& text, size_t size, int*
 
 // The size of a file, or -1 for what has none; a folder says LONG_MAX on some file systems.
 int file_size(FILE* file) {
-  fseek(file, 0, SEEK_END);
+  (void)fseek(file, 0, SEEK_END);
   const long size = ftell(file);
-  fseek(file, 0, SEEK_SET);
+  (void)fseek(file, 0, SEEK_SET);
   return size >= 0 && size < INT_MAX ? static_cast<int>(size) : -1;
 }
 

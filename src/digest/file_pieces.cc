@@ -9,9 +9,9 @@ OwnedFile open_or_report(const char* path) {
   if (file == nullptr) {
     const char* slash = strrchr(path, '/');
     if (slash != nullptr && slash[1] != '\0') {
-      fprintf(stderr, "***%s can't be opened\n", slash + 1);
+      (void)fprintf(stderr, "***%s can't be opened\n", slash + 1);
     } else {
-      fprintf(stderr, "%s can't be opened\n", path);
+      (void)fprintf(stderr, "%s can't be opened\n", path);
     }
   }
   return file;

@@ -22,7 +22,7 @@ template <typename T, auto kFree>
 using Owned = std::unique_ptr<T, FreeWith<kFree>>;
 
 struct CloseFile {
-  void operator()(FILE* file) const { fclose(file); }
+  void operator()(FILE* file) const { (void)fclose(file); }
 };
 using OwnedFile = std::unique_ptr<FILE, CloseFile>;
 

@@ -51,12 +51,12 @@ constexpr LetterTable make_letters() {
   };
   LetterTable table = {};
   for (const Row& row : rows) {
-    table.of[static_cast<int>(row.name)] = row.letter;
+    table.of[static_cast<unsigned char>(row.name)] = row.letter;
     if (row.name >= 'a') table.of[row.name - 'a' + 'A'] = row.letter;
   }
   for (const int name : {'C', 'S'}) table.of[name].is_wide = true;
-  for (const char name : {'h', 'l', 'L', 'j', 'q', 't', 'z', 'w', 'I', 'F', 'N'}) {
-    table.of[static_cast<int>(name)].is_modifier = true;
+  for (const unsigned char name : {'h', 'l', 'L', 'j', 'q', 't', 'z', 'w', 'I', 'F', 'N'}) {
+    table.of[name].is_modifier = true;
   }
   return table;
 }
