@@ -29,12 +29,15 @@ target_compile_options(plx_library_options INTERFACE
   -fno-semantic-interposition -ffunction-sections -fdata-sections
   -fstack-protector-strong -fstack-clash-protection)
 if(CMAKE_BUILD_TYPE MATCHES "Rel" AND NOT PLX_SANITIZE)
-  target_compile_definitions(plx_library_options INTERFACE _FORTIFY_SOURCE=2)
   # No path of the building machine stays in what is released, so that two builds of one commit
   # are the same bytes. Of two mappings that match the compilers take the last: the build folder
   # usually lies inside the source folder.
   add_compile_options(-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.
                       -ffile-prefix-map=${PROJECT_BINARY_DIR}=./build)
+  # The tool and the debugging twin are installed as well, and as hardened.
+  set(PLX_FORTIFY _FORTIFY_SOURCE=2)
+  target_compile_definitions(plx_library_options INTERFACE ${PLX_FORTIFY})
+  add_link_options(-Wl,-z,relro -Wl,-z,now)
 endif()
 # clang has stack-clash protection for x86 alone of our machines.
 if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang" AND NOT CMAKE_SYSTEM_PROCESSOR MATCHES "86")

@@ -13,9 +13,9 @@ def escaped(found):
     """A piece of code, or an @ outside code."""
     if found[1] is None:
         return "\\@"
-    if "\\" not in found[1]:
+    if not re.search(r"[\\<]", found[1]):
         return found[0]
-    # The backslashes of a piece of code are not safe between backquotes, least of all in a table.
+    # Backslashes and angle brackets are not safe between backquotes, least of all in a table.
     return "<code>%s</code>" % html.escape(found[1], quote=False).replace("\\", "\\\\")
 
 

@@ -6,8 +6,10 @@
  * define PLX_NO_CALLER_CHECKS before the first header of the library to have none of them.
  *
  * gcc from 11 on sees formats, ignored results, and sizes beyond a destination or a source; clang
- * sees literals that cannot fit as well. Null is a documented refusal and not warned of, save that
- * gcc remarks on a plain NULL beside a constant size above 0.
+ * sees literals that cannot fit as well. Null is a documented refusal, so nothing is marked as
+ * never null. One false alarm is left: to gcc a size beside a pointer says that there is a block,
+ * and it remarks on a literal null beside a constant size above 0 (-Wnonnull), however the pair is
+ * marked. Pass a size of 0 with it, or compile that call with -Wno-nonnull.
  *
  *   PLX_CHECK_RESULT   a result that nobody looks at hides a refusal, or leaks
  *   PLX_CHECK_FORMAT   the arguments from position `first` on (0: none in sight) suit the format

@@ -3,6 +3,7 @@
 #define PLX_TESTS_DIGEST_JUDGE_H
 
 #include <openssl/evp.h>
+#include <openssl/hmac.h>
 #include <stdint.h>
 
 #include <random>
@@ -47,16 +48,16 @@ inline std::string unhex(const std::string& text) {
 
 inline std::string judge_digest(const char* name, const std::string& data) {
   unsigned char out[EVP_MAX_MD_SIZE];
-  size_t size = 0;
-  EVP_Q_digest(nullptr, name, nullptr, data.data(), data.size(), out, &size);
+  unsigned int size = 0;
+  EVP_Digest(data.data(), data.size(), out, &size, EVP_get_digestbyname(name), nullptr);
   return as_bytes(out, size);
 }
 
 inline std::string judge_hmac(const char* name, const std::string& key, const std::string& data) {
   unsigned char out[EVP_MAX_MD_SIZE];
-  size_t size = 0;
-  EVP_Q_mac(nullptr, "HMAC", nullptr, name, nullptr, key.data(), key.size(), bytes_of(data),
-            data.size(), out, sizeof out, &size);
+  unsigned int size = 0;
+  HMAC(EVP_get_digestbyname(name), key.data(), static_cast<int>(key.size()), bytes_of(data),
+       data.size(), out, &size);
   return as_bytes(out, size);
 }
 

@@ -32,7 +32,7 @@ void quiet_copies(const char* src, const wchar_t* wide_src, size_t size) {
   memset_s(NULL, 0, 0, 0);
   memcpy_s(g_text, sizeof g_text, "ab", 3);
   memcpy_s(g_text, size, src, size);
-  memcpy_s(NULL, 8, src, 8); /* WARNS gcc */
+  memcpy_s(NULL, 8, src, 8); /* WARNS gcc */ /* the false alarm that caller_checks.h tells of */
   wmemcpy_s(g_wide, 8, wide_src, 8);
   strcpy_s(g_text, sizeof g_text, "1234567");
   strcpy_s(g_text, sizeof g_text, src);
