@@ -264,7 +264,8 @@ class PLX_API CCipher {
    * bytes, is not held to it.
    * A wrong key or a damaged blob is not reported: the result is 1, and `outLen` counts the whole
    * blocks before the last. A blob of fewer than 16 bytes, a `type` that is none, or a cipher that
-   * libcrypto cannot start gives 1 with `outLen` 0. Returns 0 when a pointer is null, `outLen` is below 1, or memory is short. */
+   * libcrypto cannot start gives 1 with `outLen` 0. Returns 0 when a pointer is null, `outLen` is
+   * below 1, or memory is short. */
   static int DecryptData(const unsigned char* in, int inLen, unsigned char* out, int& outLen,
                          unsigned char* key, AES_CBC_TYPE type) PLX_CHECK_RESULT;
 
