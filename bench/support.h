@@ -13,19 +13,28 @@
 
 namespace plx_bench {
 
+constexpr size_t kLarge = size_t{1} << 24;
+
+// Room of any size that takes little memory: one piece of it stands there over and over, so that
+// what is written to one place is read at others. It stays for good.
+char* repeated_room(size_t size);
+
 // Measures `work`, one call an iteration. `bytes` per call, when given, yields a rate.
 template <typename Work>
 void add(const std::string& row, const std::string& variant, Work work, size_t bytes = 0) {
-  benchmark::RegisterBenchmark((row + "@" + variant).c_str(), [work = std::move(work), bytes](
-                                                                  benchmark::State& state) mutable {
-    for (auto _ : state) {
-      work();
-      benchmark::ClobberMemory();
-    }
-    if (bytes != 0) {
-      state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * bytes));
-    }
-  });
+  auto* const added = benchmark::RegisterBenchmark(
+      (row + "@" + variant).c_str(),
+      [work = std::move(work), bytes](benchmark::State& state) mutable {
+        for (auto _ : state) {
+          work();
+          benchmark::ClobberMemory();
+        }
+        if (bytes != 0) {
+          state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * bytes));
+        }
+      });
+  // What takes long by itself varies little.
+  if (bytes >= kLarge) added->Repetitions(3);
 }
 
 // Says that this processor has no way to measure a variant.

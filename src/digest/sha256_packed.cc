@@ -58,20 +58,17 @@ size_t block_position(const Sha256Ctx* ctx) {
   return (ctx->bitCount[6] << 8 | ctx->bitCount[7]) / 8 % kSha256BlockSize;
 }
 
-// Bytes are OR-ed in, for the words not yet filled are zero.
+// A block of words is filled as bytes, each at the place that it has in its word.
 void pack(uint32_t* block, size_t position, const uint8_t* data, size_t size) {
+  auto* const bytes = reinterpret_cast<uint8_t*>(block);
   size_t i = 0;
-  const auto pack_byte = [&] {
-    block[position / 4] |= static_cast<uint32_t>(data[i++]) << (24 - 8 * (position % 4));
-    ++position;
-  };
+  const auto pack_byte = [&] { bytes[position++ ^ 3] = data[i++]; };
   while (i < size && position % 4 != 0) pack_byte();
-  for (; size - i >= sizeof(Quad) && position % sizeof(Quad) == 0; i += sizeof(Quad)) {
-    Quad words = load_swapped(data + i);
-    memcpy(block + position / 4, &words, sizeof words);
-    position += sizeof(Quad);
+  for (; size - i >= sizeof(Quad); i += sizeof(Quad), position += sizeof(Quad)) {
+    const Quad words = load_swapped(data + i);
+    memcpy(bytes + position, &words, sizeof words);
   }
-  for (; size - i >= 4; i += 4, position += 4) block[position / 4] |= load_be32(data + i);
+  for (; size - i >= 4; i += 4, position += 4) block[position / 4] = load_be32(data + i);
   while (i < size) pack_byte();
 }
 
@@ -82,12 +79,12 @@ void unpack(uint8_t* bytes, const uint32_t* block) {
   }
 }
 
+// The words become bytes in their place, and then nothing.
 void compress_packed(Sha256Ctx* ctx) {
-  uint8_t bytes[kSha256BlockSize];
+  auto* const bytes = reinterpret_cast<uint8_t*>(ctx->block);
   unpack(bytes, ctx->block);
   blocks(ctx->state, bytes, 1);
   memset(ctx->block, 0, sizeof ctx->block);
-  wipe(bytes, sizeof bytes);
 }
 
 }  // namespace

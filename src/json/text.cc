@@ -6,9 +6,44 @@
 
 #include <stdint.h>
 
+#include "internal/readable.h"
 #include "securec/memory.h"
 
+#if defined(__SSE2__) && !PLX_READS_ARE_CHECKED
+#define PLX_JSON_SSE2
+#include <emmintrin.h>
+#endif
+
 namespace plx::json {
+
+#ifdef PLX_JSON_SSE2
+
+// Sixteen characters at a step. Aligned vectors lie within a page, so what they show before and
+// behind the text may be looked at.
+const char* find_end_of_long(const char* p) {
+  const __m128i quotes = _mm_set1_epi8('"'), backslashes = _mm_set1_epi8('\\');
+  const __m128i last_control = _mm_set1_epi8(0x1F);
+  const auto ends_at = [&](const char* aligned) {
+    const __m128i text = _mm_load_si128(reinterpret_cast<const __m128i*>(aligned));
+    const __m128i specials =
+        _mm_or_si128(_mm_cmpeq_epi8(text, quotes), _mm_cmpeq_epi8(text, backslashes));
+    const __m128i controls = _mm_cmpeq_epi8(_mm_min_epu8(text, last_control), text);
+    return static_cast<unsigned>(_mm_movemask_epi8(_mm_or_si128(specials, controls)));
+  };
+  const size_t offset = reinterpret_cast<uintptr_t>(p) % 16;
+  unsigned ends = ends_at(p - offset) >> offset;
+  if (ends == 0) {
+    for (p += 16 - offset; (ends = ends_at(p)) == 0;) p += 16;
+  }
+  return p + __builtin_ctz(ends);
+}
+
+#else
+
+const char* find_end_of_long(const char* p) { return find_any(p, kEndsPlain); }
+
+#endif
+
 namespace {
 
 // A text as it stands in the input.
