@@ -130,6 +130,36 @@ void register_hash_table(size_t count) {
       count);
 }
 
+// Finding with more and more elements in a table whose buckets stay as many, beside one that grows.
+void register_load(size_t count) {
+  constexpr uint32_t kBuckets = 1024;
+  static std::vector<std::vector<uint32_t>> keys;
+  keys.emplace_back(count);
+  std::vector<uint32_t>& own = keys.back();
+  for (size_t i = 0; i < count; ++i) own[i] = static_cast<uint32_t>(i * 2654435761u);
+  PLX_hashtable* table =
+      PLX_hashtable_create(kBuckets, PLX_intHashValue, PLX_intHashCompare, nullptr);
+  GHashTable* peer = g_hash_table_new(g_int_hash, g_int_equal);
+  for (uint32_t& key : own) {
+    PLX_hashtable_insert(table, &key, &key);
+    g_hash_table_insert(peer, &key, &key);
+  }
+  const uint32_t* first = own.data();
+  plx_bench::compare(
+      "hash-load/" + std::to_string(count),
+      [=] {
+        for (size_t i = 0; i < count; ++i) {
+          benchmark::DoNotOptimize(PLX_hashtable_find(table, first + i));
+        }
+      },
+      [=] {
+        for (size_t i = 0; i < count; ++i) {
+          benchmark::DoNotOptimize(g_hash_table_lookup(peer, first + i));
+        }
+      },
+      count);
+}
+
 }  // namespace
 
 void plx_bench::register_benchmarks() {
@@ -138,4 +168,6 @@ void plx_bench::register_benchmarks() {
     register_append(count);
     register_hash_table(count);
   }
+  for (size_t count : {1, 10, 10000000}) register_append(count);
+  for (size_t count : {64, 256, 1024, 4096, 16384, 65536}) register_load(count);
 }

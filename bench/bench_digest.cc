@@ -162,6 +162,21 @@ void add_sha256() {
   }
 }
 
+// The longest message that one call takes.
+void add_longest_sha256() {
+  constexpr unsigned kMost = UINT32_MAX;
+  static const auto* const data = reinterpret_cast<const uint8_t*>(repeated_room(kMost));
+  compare(
+      "sha256/4G", [] { SHA256(data, kMost, g_digest); },
+      [] {
+        SHA256_CTX ctx;
+        SHA256_Init(&ctx);
+        SHA256_Update(&ctx, data, kMost);
+        SHA256_Final(g_digest, &ctx);
+      },
+      kMost);
+}
+
 void add_hmac(const Size& size) {
   const std::string data = random_bytes(size.bytes);
   compare(
@@ -342,6 +357,7 @@ void add_base64(const Size& size) {
 
 void register_benchmarks() {
   add_sha256();
+  add_longest_sha256();
   for (const Size& size : kSizes) add_hmac(size);
   add_3des();
   add_base64({"48", 48});

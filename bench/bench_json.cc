@@ -67,5 +67,6 @@ void plx_bench::register_benchmarks() {
   compare_parse("json-parse/configuration-19K", plx_test::sample_configuration());
   compare_parse("json-parse/small-objects-1M", plx_test::sample_small_objects(38));
   compare_find("last-of-400", 400);
+  for (size_t count : {10, 50, 200, 480}) compare_find(std::to_string(count), count);
   compare_growth();
 }

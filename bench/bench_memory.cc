@@ -85,6 +85,25 @@ void register_memory() {
   }
 }
 
+// Up to the largest size that is accepted.
+void register_large() {
+  constexpr size_t kMost = SECURE_MEM_LIMIT;
+  static char* const src = plx_bench::repeated_room(kMost);
+  static char* const dst = plx_bench::repeated_room(kMost);
+  for (const auto& [name, size] : {std::pair<const char*, size_t>{"1M", size_t{1} << 20},
+                                   {"64M", size_t{64} << 20},
+                                   {"2G", kMost}}) {
+    plx_bench::compare(
+        std::string("memcpy_s/") + name,
+        [size = size] { benchmark::DoNotOptimize(memcpy_s(dst, kMost, src, size)); },
+        [size = size] { benchmark::DoNotOptimize(memcpy(dst, src, size)); }, size);
+    plx_bench::compare(
+        std::string("memset_s/") + name,
+        [size = size] { benchmark::DoNotOptimize(memset_s(dst, kMost, 'x', size)); },
+        [size = size] { benchmark::DoNotOptimize(memset(dst, 'x', size)); }, size);
+  }
+}
+
 // A text of `length` characters at a place of its own, in the middle of a page.
 const char* text_of(size_t length) {
   constexpr size_t kPage = 4096;
@@ -131,5 +150,6 @@ void plx_bench::register_benchmarks() {
   std::fill_n(from, kArena - 1, 'a');
   std::fill_n(to, kArena - 1, 'b');
   register_memory();
+  register_large();
   register_strings();
 }

@@ -25,7 +25,7 @@ def read_results(paths):
         for run in json.loads(pathlib.Path(path).read_text())["benchmarks"]:
             if run["run_type"] != "iteration":
                 continue
-            row, variant = run["run_name"].split("@")
+            row, variant = run["run_name"].split("/repeats:")[0].split("@")
             if run.get("error_occurred"):
                 absent.append(f"{row} ({variant}): {run['error_message']}")
                 continue
@@ -112,6 +112,28 @@ def field(work, lines, number):
     return "\n".join(blocks + [f"set title '{work}'", f"plot {series}"])
 
 
+# Each applied until it finds nothing more.
+BALLAST = [(r"<!--.*?-->|<defs>.*?</defs>|<title>.*?</title>|<desc>.*?</desc>", ""),
+           (r" (id|class|stroke-linecap|stroke-linejoin|font-family|font-size)=\"[^\"]*\"", ""),
+           (r' stroke="none" fill="black"', ""),
+           (r"(\d\.\d)\d+", r"\1"),
+           (r"\s*\n\s*", "\n"),
+           (r"<g[^>]*>\s*</g>", ""),
+           (r'<g color="\w+">\s*((?:<path[^>]*>\s*)*)</g>', r"\1"),
+           (r'<g color="\w+">\s*(<g transform[^>]*>\s*<text>[^<]*</text>\s*</g>)\s*</g>', r"\1"),
+           (r"\n+", "\n"), (r" +", " ")]
+STYLE = "<style>text{font:11px sans-serif;fill:black;stroke:none}path{fill:none}</style>"
+
+
+def without_ballast(svg):
+    """gnuplot's SVG without comments, symbols and groups of which nothing is seen."""
+    for pattern, kept in BALLAST:
+        before = None
+        while before != svg:
+            before, svg = svg, re.sub(pattern, kept, svg, flags=re.S)
+    return svg.replace("<rect ", STYLE + "\n<rect ", 1)
+
+
 def plot(results, folder):
     """Draws the pictures and returns their paths; a run of few rows has none."""
     folder.mkdir(parents=True, exist_ok=True)
@@ -126,13 +148,12 @@ def plot(results, folder):
         script = "\n".join(
             [f"set terminal svg size 900,{rows * 270} font 'sans,11' noenhanced background 'white'",
              f"set output '{path}'", f"set multiplot layout {rows},{columns}",
-             "set logscale xy; set key outside right; set grid; set format x '10^%T'",
+             "set logscale xy; set key outside right; set format '10^%T'",
+             "set border 3; set tics nomirror; set mxtics 1; set mytics 1",
              "set ylabel 'MB/s, elements/us'"]
             + [field(work, lines, i) for i, (work, lines) in enumerate(fields)])
         subprocess.run(["gnuplot"], input=script, text=True, check=True)
-        # Comments, and the line breaks between tags, are half of what gnuplot writes.
-        text = re.sub(r"<!--.*?-->", "", path.read_text(), flags=re.S)
-        path.write_text(re.sub(r"\s*\n\s*", "\n", re.sub(r"[ \t]+", " ", text)))
+        path.write_text(without_ballast(path.read_text()))
         drawn.append(path)
     return drawn
 

@@ -112,6 +112,17 @@ TEST(JsonParser, AgreesWithTheModelOnSpoiltDocuments) {
 }
 
 // Nothing behind the root is read, not even a terminator.
+// What ends or interrupts a text, at every place of a vector and up to the end of a page.
+TEST(JsonParser, LongTextsEndAnywhere) {
+  for (size_t length = 0; length <= 80; ++length) {
+    for (const char* special : {"", "\\n", "\x01", "\x1f", " ", "!", "\x7f", "\x80", "\xff", "'"}) {
+      const std::string text = "{\"k\":\"" + std::string(length, 'x') + special;
+      expect_as_modelled(text + std::string(length % 37, 'y') + "\"}");
+      expect_as_modelled(text);
+    }
+  }
+}
+
 TEST(JsonParser, StopsAtTheClosingBracket) {
   for (const std::string text : {"[]", "{}", "{a:[1,{}]}"}) {
     Guarded<char> input(text.c_str(), text.size());
