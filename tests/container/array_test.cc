@@ -63,6 +63,8 @@ TEST(Array, ReleasesInOrderAndForgets) {
 TEST(Array, NullIsRefused) {
   int value = 1;
   PLX_array* array = PLX_array_create(nullptr);
+  // Elements that a call could go on to compare.
+  for (int i = 0; i < 2; ++i) EXPECT_EQ(0, PLX_array_append(array, &value));
   EXPECT_EQ(-1, PLX_array_getCount(nullptr));
   EXPECT_EQ(-1, PLX_array_append(nullptr, &value));
   EXPECT_EQ(-1, PLX_array_insert(nullptr, &value, 0));
@@ -82,7 +84,7 @@ TEST(Array, NullIsRefused) {
   PLX_array_clean(nullptr);
   PLX_array_destroy(nullptr);
   PLX_array_destroyWithoutClean(nullptr);
-  PLX_array_destroy(array);
+  PLX_array_destroyWithoutClean(array);
 }
 
 // A failed growth loses the slots and keeps the count; what follows must not touch them.
