@@ -66,3 +66,10 @@ endif()
 if(PLX_BUILD_FUZZERS)
   target_compile_options(plx_library_options INTERFACE -fsanitize=fuzzer-no-link)
 endif()
+
+# Coverage is that of the library, whatever runs it.
+option(PLX_COVERAGE "Count the lines and branches that are run" OFF)
+if(PLX_COVERAGE)
+  target_compile_options(plx_library_options INTERFACE --coverage -fprofile-update=atomic)
+  add_link_options(--coverage)
+endif()
