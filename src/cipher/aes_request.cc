@@ -17,7 +17,10 @@
 namespace plx::cipher {
 namespace {
 
-using Tree = Owned<PLX_JsonValue, json::release>;
+// Any value may be a key or a text, of which a second one under the same name is never looked at.
+void release_secret(PLX_JsonValue* root) { json::release(root, json::Texts::kSecret); }
+
+using Tree = Owned<PLX_JsonValue, release_secret>;
 
 constexpr size_t kLongestText = 1022;
 constexpr size_t kWorkKeySize = 256;
@@ -34,10 +37,7 @@ struct WipeAtEnd {
 // A request as a record. Its text stays in the tree that it was found in.
 struct Request {
   Request() { aes.pszText = no_text; }
-  ~Request() {
-    wipe(aes.pszText, strlen(aes.pszText));
-    wipe(&aes, sizeof aes);
-  }
+  ~Request() { wipe(&aes, sizeof aes); }
   Tree root;
   tagAes aes = {};
   char no_text[1] = {};
@@ -90,8 +90,7 @@ bool read_padding(const PLX_JsonValue* root, tagAes* aes) {
 // has no room for a terminator behind its suffix, so that the append empties it: callers depend on
 // its first byte being zero, and on nothing being compared with the size of a stored prefix.
 bool setAesKeyFromRequest(tagAes* aes, const PLX_JsonValue* root) {
-  PLX_JsonValue* prefix = getAesJsonField(root, "cipherPrefix", aes->szKey, sizeof aes->szKey);
-  if (const char* text = json::text_of(prefix)) wipe(prefix->data, strlen(text));
+  getAesJsonField(root, "cipherPrefix", aes->szKey, sizeof aes->szKey);
   if (aes->szKey[0] != 0) {
     const size_t wanted = static_cast<size_t>(aes->iKeyBits) / 8 - kSuffixLength;
     if (strlen(aes->szKey) != wanted) return false;
@@ -134,7 +133,7 @@ void find_text(const char* name, Request* out) {
 bool parseAesRequest(const char* request, const char* text_name, Request* out) {
   const char* object = strchr(request, '{');
   if (object == nullptr) return false;
-  out->root.reset(json::parse(object));
+  out->root.reset(json::parse(object, json::Texts::kSecret));
   const PLX_JsonValue* root = out->root.get();
   if (root == nullptr) return false;
   if (!read_mode(root, &out->aes)) return false;

@@ -176,6 +176,7 @@ void sha256_get(unsigned char out[32], const unsigned char* data, unsigned int l
   plx::digest::packed::start(&ctx);
   plx::digest::packed::finish(&ctx, data, len);
   memcpy(out, ctx.hash, sizeof ctx.hash);
+  plx::wipe(&ctx, sizeof ctx);
 }
 
 }  // extern "C"

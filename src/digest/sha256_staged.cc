@@ -129,7 +129,7 @@ void hash(uint8_t* digest, const uint8_t* data, size_t size) {
   start(&ctx);
   append(&ctx, data, size);
   finish(&ctx, digest);
-  wipe(ctx.buffer, sizeof ctx.buffer);
+  wipe(&ctx, sizeof ctx);
 }
 
 }  // namespace plx::digest::staged

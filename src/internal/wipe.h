@@ -10,6 +10,10 @@ namespace plx {
 // the stores, although nobody reads the bytes afterwards.
 void wipe(void* data, size_t size);
 
+// Zeroes what finished calls have left on the stack below the caller's frame: the registers that the
+// compiler has put there. Call it where the calls were made from.
+void wipe_stack();
+
 // A buffer on the stack that wipes itself when it leaves scope. Starts zeroed.
 template <size_t kSize>
 class SecretBytes {

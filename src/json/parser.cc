@@ -18,7 +18,7 @@ constexpr size_t kMaxEntries = 480;
 
 class Parser {
  public:
-  explicit Parser(const char* text) : cursor_(text) {}
+  Parser(const char* text, Texts texts) : cursor_(text), texts_(texts), entries_(texts) {}
 
   // The value at the cursor, or null when the parse fails. The root's depth is 0.
   PLX_JsonValue* parse_value(int depth);
@@ -47,6 +47,7 @@ class Parser {
   bool skip_comma();
 
   const char* cursor_;
+  const Texts texts_;
   PendingEntries entries_;
 };
 
@@ -133,7 +134,7 @@ bool Parser::parse_member(int depth, size_t first, NameIndex* names) {
   PendingEntry* entry = value != nullptr ? next_entry(first) : nullptr;
   if (entry == nullptr || !names->add(name, entry)) {
     release_block(name.data);
-    release(value);
+    release(value, texts_);
     return false;
   }
   entry->value = value;
@@ -161,15 +162,15 @@ PLX_JsonValue* Parser::parse_scalar() {
   const Text text = read_text(&cursor_);
   if (text.data == nullptr) return nullptr;
   PLX_JsonValue* value = make_value(PLX_JSON_STRING, text.data);
-  if (value == nullptr) release_block(text.data);
+  if (value == nullptr) release_text(text.data, texts_);
   return value;
 }
 
 }  // namespace
 
-PLX_JsonValue* parse(const char* text) {
+PLX_JsonValue* parse(const char* text, Texts texts) {
   if (text == nullptr || (*text != '[' && *text != '{')) return nullptr;
-  return Parser(text).parse_value(0);
+  return Parser(text, texts).parse_value(0);
 }
 
 }  // namespace plx::json

@@ -4,10 +4,13 @@
 
 #include <plx/json.h>
 
+#include "json/tree.h"
+
 namespace plx::json {
 
-// The tree of `text`, to be given to `release` (tree.h), or null.
-PLX_JsonValue* parse(const char* text);
+// The tree of `text`, to be given to `release` (tree.h), or null. What a failed parse releases is
+// released by `texts`.
+PLX_JsonValue* parse(const char* text, Texts texts = Texts::kPlain);
 
 }  // namespace plx::json
 

@@ -10,7 +10,7 @@ PendingEntries::~PendingEntries() {
   while (size_ > 0) {
     const PendingEntry& entry = entries_[--size_];
     release_block(entry.name);
-    release(entry.value);
+    release(entry.value, texts_);
   }
   if (entries_ != inline_entries_) release_block(entries_);
 }

@@ -8,6 +8,8 @@
 #include <stddef.h>
 #include <stdint.h>
 
+#include "json/tree.h"
+
 namespace plx::json {
 
 // A member, or an element, which has no name.
@@ -20,7 +22,7 @@ struct PendingEntry {
 
 class PendingEntries {
  public:
-  PendingEntries() : entries_(inline_entries_) {}
+  explicit PendingEntries(Texts texts) : entries_(inline_entries_), texts_(texts) {}
   ~PendingEntries();
   PendingEntries(const PendingEntries&) = delete;
   PendingEntries& operator=(const PendingEntries&) = delete;
@@ -42,6 +44,7 @@ class PendingEntries {
   static constexpr size_t kInline = 512;
 
   PendingEntry* entries_;
+  const Texts texts_;
   size_t size_ = 0;
   size_t capacity_ = kInline;
   PendingEntry inline_entries_[kInline];

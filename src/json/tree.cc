@@ -1,8 +1,10 @@
 #include "json/tree.h"
 
 #include <stddef.h>
+#include <string.h>
 
 #include "container/alloc.h"
+#include "internal/wipe.h"
 
 // Callers read these records directly, so every field stays where it is.
 template <size_t k64, size_t k32>
@@ -73,18 +75,23 @@ void release_body(PLX_JsonObject* object) {
   release_block(object);
 }
 
-void release(PLX_JsonValue* value) {
+void release_text(void* text, Texts texts) {
+  if (texts == Texts::kSecret) wipe(text, strlen(static_cast<char*>(text)));
+  release_block(text);
+}
+
+void release(PLX_JsonValue* value, Texts texts) {
   if (value == nullptr) return;
   if (value->type == PLX_JSON_STRING) {
-    release_block(value->data);
+    release_text(value->data, texts);
   } else if (PLX_JsonObject* object = object_of(value)) {
     for (int32_t i = object->count; i-- > 0;) {
       release_block(object->names[i]);
-      release(object->values[i]);
+      release(object->values[i], texts);
     }
     release_body(object);
   } else if (PLX_JsonArray* array = array_of(value)) {
-    for (int32_t i = array->count; i-- > 0;) release(array->items[i]);
+    for (int32_t i = array->count; i-- > 0;) release(array->items[i], texts);
     release_body(array);
   }
   release_block(value);

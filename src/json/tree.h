@@ -21,8 +21,13 @@ inline PLX_JsonValue* make_value(uint32_t type, void* data) {
 PLX_JsonArray* make_array(size_t count);
 PLX_JsonObject* make_object(size_t count);
 
+// Whether the values' texts are wiped before they are released.
+enum class Texts : bool { kPlain, kSecret };
+
+void release_text(void* text, Texts texts);
+
 // Releases `value`, which may be null, and everything below it, the last entries first.
-void release(PLX_JsonValue* value);
+void release(PLX_JsonValue* value, Texts texts = Texts::kPlain);
 
 // Releases a body and its slot arrays, but not what the slots hold.
 void release_body(PLX_JsonArray* array);

@@ -27,6 +27,8 @@ struct State {
 };
 thread_local State state;
 
+void (*look_at_freed)(const void* block);
+
 bool must_fail() {
   if (!state.active) return false;
   ++state.seen;
@@ -53,11 +55,13 @@ void* __wrap_calloc(size_t count, size_t size) {
 
 void* __wrap_realloc(void* block, size_t size) {
   if (must_fail()) return nullptr;
+  if (block != nullptr && look_at_freed != nullptr) look_at_freed(block);
   void* moved = __real_realloc(block, size);
   return block == nullptr ? counted(moved) : moved;
 }
 
 void __wrap_free(void* block) {
+  if (block != nullptr && look_at_freed != nullptr) look_at_freed(block);
   if (block != nullptr && state.active) {
     --state.live;
     if (state.frees_room > 0) {
@@ -103,5 +107,7 @@ void AllocationFault::record_frees(void** out, size_t room) {
   state.frees = out;
   state.frees_room = room;
 }
+
+void look_at_freed_blocks(void (*look)(const void* block)) { look_at_freed = look; }
 
 }  // namespace plx_test

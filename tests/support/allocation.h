@@ -42,6 +42,9 @@ size_t fail_each_allocation(Body body, long* leaked) {
   return n - 1;
 }
 
+// From now on `look` sees each block of the library's before it is freed or moved.
+void look_at_freed_blocks(void (*look)(const void* block));
+
 }  // namespace plx_test
 
 #endif
