@@ -1,38 +1,45 @@
 #include "cipher/hex_text.h"
 
+#include <stdint.h>
 #include <string.h>
 
-#include <array>
+#include <algorithm>
 
 #include "digest/hex.h"
 
 namespace plx::cipher {
 namespace {
 
-constexpr std::array<char, 512> make_pairs() {
-  std::array<char, 512> pairs = {};
-  for (size_t byte = 0; byte < 256; ++byte) {
-    pairs[2 * byte] = digest::kUpperDigits[byte >> 4];
-    pairs[2 * byte + 1] = digest::kUpperDigits[byte & 15];
-  }
-  return pairs;
-}
-constexpr std::array<char, 512> kPairs = make_pairs();
+// Four characters in one word, so that no table is read at a place that depends on the data. All
+// sums stay within their bytes.
 
-constexpr std::array<unsigned char, 256> make_values() {
-  std::array<unsigned char, 256> values = {};
-  for (unsigned char i = 0; i < 10; ++i) values['0' + i] = i;
-  for (unsigned char i = 10; i < 16; ++i) values['A' + i - 10] = values['a' + i - 10] = i;
-  return values;
-}
-constexpr std::array<unsigned char, 256> kValues = make_values();
+constexpr uint32_t in_each(uint32_t byte) { return byte * 0x01010101; }
+
+// 15 in each byte of which `flags` has the highest bit.
+uint32_t nibble_masks(uint32_t flags) { return (flags >> 7 & in_each(1)) * 15; }
 
 // Callers depend on whatever is no digit counting as 0.
-unsigned hexCharToValue(char c) { return kValues[static_cast<unsigned char>(c)]; }
+uint32_t values_of_word(uint32_t chars) {
+  const uint32_t ascii = chars & in_each(0x7F), lower = ascii | in_each(0x20);
+  const uint32_t is_number = (ascii + in_each(0x80 - '0')) & ~(ascii + in_each(0x80 - '9' - 1));
+  const uint32_t is_letter = (lower + in_each(0x80 - 'a')) & ~(lower + in_each(0x80 - 'f' - 1));
+  return (chars & nibble_masks(is_number & ~chars)) |
+         (((chars & in_each(7)) + in_each(9)) & nibble_masks(is_letter & ~chars));
+}
+
+// Up to two bytes of up to four characters.
+void read_word(const char* text, size_t length, unsigned char* out) {
+  uint32_t chars = 0;
+  memcpy(&chars, text, length);
+  const uint32_t values = values_of_word(chars);
+  const uint32_t joined = values << 4 | values >> 8;
+  out[0] = static_cast<unsigned char>(joined);
+  if (length > 2) out[1] = static_cast<unsigned char>(joined >> 16);
+}
 
 // Where the machine has vectors, 16 bytes at a time go through them, written in the compilers'
 // own notation: a comparison gives all ones or zeros in each byte. What is left over, and all of
-// it elsewhere, goes through the tables.
+// it elsewhere, goes through words.
 #if defined(__SSE2__) || defined(__ARM_NEON)
 
 using Bytes = unsigned char __attribute__((vector_size(16)));
@@ -100,19 +107,15 @@ void write_hex(const unsigned char* bytes, int count, char* out) {
   if (count < 1) return;
   const auto size = static_cast<size_t>(count);
   for (size_t i = write_blocks(bytes, size, out); i < size; ++i) {
-    memcpy(out + 2 * i, &kPairs[2 * bytes[i]], 2);
+    digest::write_digits(bytes[i], digest::kUpperDigits, out + 2 * i);
   }
 }
 
 int read_hex(const char* text, size_t length, unsigned char* out) {
-  const size_t pairs = length / 2;
-  size_t i = read_blocks(text, pairs, out);
-  for (; i < pairs; ++i) {
-    out[i] = static_cast<unsigned char>(hexCharToValue(text[2 * i]) << 4 |
-                                        hexCharToValue(text[2 * i + 1]));
-  }
-  if (length % 2 != 0) out[i++] = static_cast<unsigned char>(hexCharToValue(text[2 * pairs]) << 4);
-  return static_cast<int>(i);
+  size_t i = read_blocks(text, length / 2, out);
+  for (; 2 * i < length; i += 2)
+    read_word(text + 2 * i, std::min(length - 2 * i, size_t{4}), out + i);
+  return static_cast<int>((length + 1) / 2);
 }
 
 }  // namespace plx::cipher

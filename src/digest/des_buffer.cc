@@ -50,7 +50,7 @@ void crypt_buffer(const void* context, const uint8_t* in, uint8_t* out, int len,
   }
   des_blocks(schedule.subkeys, schedule.num_passes, out, padded.get(), padded_size / kBlockSize);
   wipe(padded.get(), padded_size);
-  wipe_stack();
+  wipe_stack<512>();
 }
 
 }  // namespace plx::digest::des

@@ -11,10 +11,4 @@ void wipe(void* data, size_t size) {
   __asm__ __volatile__("" : : "r"(data) : "memory");
 }
 
-__attribute__((noinline)) void wipe_stack() {
-  constexpr size_t kDepth = 512;  // the frames that this is for are smaller
-  unsigned char left[kDepth];
-  wipe(left, sizeof left);
-}
-
 }  // namespace plx

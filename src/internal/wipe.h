@@ -10,9 +10,13 @@ namespace plx {
 // the stores, although nobody reads the bytes afterwards.
 void wipe(void* data, size_t size);
 
-// Zeroes what finished calls have left on the stack below the caller's frame: the registers that the
-// compiler has put there. Call it where the calls were made from.
-void wipe_stack();
+// Zeroes the `kDepth` bytes of the stack below the caller's frame, where finished calls have left
+// what the compiler had no register for. Call it where the calls were made from.
+template <size_t kDepth>
+__attribute__((noinline)) void wipe_stack() {
+  unsigned char left[kDepth];
+  wipe(left, kDepth);
+}
 
 // A buffer on the stack that wipes itself when it leaves scope. Starts zeroed.
 template <size_t kSize>

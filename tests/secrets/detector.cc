@@ -25,7 +25,7 @@ void __real_free(void* block);
 namespace plx_test {
 namespace {
 
-constexpr size_t kPiece = 8, kStackSize = 512 * 1024, kBelowStackPointer = 128;
+constexpr size_t kPiece = 8, kStackSize = 512 * 1024;
 constexpr unsigned char kPaint = 0xC3;
 
 std::map<uint64_t, std::string> pieces;
@@ -114,7 +114,7 @@ void search_stack(unsigned char* to, const char* where) {
 
 void serve() {
   size_t offset;
-  unsigned char* below = stack_pointer() - kBelowStackPointer;
+  unsigned char* below = stack_pointer();
   switch (request) {
     case Request::kNone:
       break;
