@@ -38,7 +38,7 @@ std::string formatted() {
 std::string digested() {
   const std::string data(1000, 'd');
   char hex[65], encoded[64];
-  unsigned char mac[32], blocks[48] = {}, key[3][8] = {{1}, {2}, {3}};
+  unsigned char mac[32], blocks[56] = {}, key[3][8] = {{1}, {2}, {3}};
   if (PLX_sha256_encoder_buf(reinterpret_cast<Bytes>(data.data()), 1000, hex, sizeof hex) != 0)
     return "refused";
   if (hmac_sha256_get(mac, reinterpret_cast<Bytes>(data.data()), 1000,
@@ -48,7 +48,7 @@ std::string digested() {
   if (PLX_base64UrlEncoder(encoded, sizeof encoded, mac, sizeof mac) != 0) return "refused";
   Des3Context des;
   PLX_3des_set3keys(&des, key[0], key[1], key[2]);
-  PLX_3des_encrypt(&des, blocks, blocks, sizeof blocks);
+  PLX_3des_encrypt(&des, blocks, blocks, 48);
   return hex + std::string(encoded) + std::string(blocks, blocks + sizeof blocks);
 }
 
