@@ -119,11 +119,18 @@ inline errno_t copy_measured(char* dst, size_t dst_size, const char* src, size_t
   return copy_measured(dst, dst_size, src, bounded_length(src, dst_size));
 }
 
-// The first kShortText characters are known to be there, and to have room.
+// Above this the C library's search is the faster one.
+constexpr size_t kOwnSearch = 32;
+
+// The first kOwnSearch characters are known to be there, and to have room.
 [[gnu::noinline]] errno_t copy_long_string(char* dst, size_t dst_size, const char* src) {
-  constexpr size_t kKnown = 64;
-  const size_t rest = bounded_length(src + kKnown, dst_size - kKnown);
-  return copy_measured(dst, dst_size, src, kKnown + rest);
+  const size_t rest = bounded_length(src + kOwnSearch, dst_size - kOwnSearch);
+  const size_t length = kOwnSearch + rest;
+  if (length < kShortText && length < dst_size && !ranges_overlap(dst, src, length + 1)) {
+    copy_short_block(dst, src, length + 1);
+    return EOK;
+  }
+  return copy_measured(dst, dst_size, src, length);
 }
 
 [[gnu::noinline]] errno_t copy_any_string(char* dst, size_t dst_size, const char* src,
@@ -146,12 +153,12 @@ inline errno_t copy_measured(char* dst, size_t dst_size, const char* src, size_t
 // Most texts are short, and nothing is wrong with most calls.
 [[gnu::always_inline]] inline errno_t copy_whole(char* dst, size_t dst_size, const char* src) {
   if (dst_size <= SECURE_MEM_LIMIT && dst != nullptr && src != nullptr) {
-    const size_t length = short_length(src, dst_size);
+    const size_t length = short_length(src, std::min(dst_size, kOwnSearch));
     if (length < dst_size && !ranges_overlap(dst, src, length + 1)) {
       copy_short_block(dst, src, length + 1);
       return EOK;
     }
-    if (length == kLongText && dst_size > kShortText) return copy_long_string(dst, dst_size, src);
+    if (length == kLongText && dst_size > kOwnSearch) return copy_long_string(dst, dst_size, src);
   }
   return copy_any_string(dst, dst_size, src);
 }
