@@ -21,4 +21,6 @@ inline int EVP_CipherInit_ex2(EVP_CIPHER_CTX* ctx, const EVP_CIPHER* cipher,
 // It has no providers to take away; the tests that do so are among the known differences.
 inline int EVP_set_default_properties(void*, const char*) { return 0; }
 
+#define EVP_CIPHER_CTX_get0_cipher EVP_CIPHER_CTX_cipher
+
 #endif
