@@ -29,14 +29,13 @@ fi
 # always the same.
 printf '0123456789abcdef' >factor
 printf 'fedcba9876543210' >iv
-known=(--force --factor factor --iv iv)
-provision "${known[@]}" --key epg_profile_key >/dev/null
+printf 'my work key' >work-key
+known=(--force --factor factor --iv iv --work-key work-key)
+for name in "${names[@]}"; do provision "${known[@]}" --key $name >/dev/null; done
 expect 1 '1 of 5 keys do not load' plx keys check --root box --stb-id STB-2
 expect 1 'epg_profile_key +fails.*no box identifier was given' plx keys check --root box
 
 # Given secrets give the same files, which openssl opens.
-printf 'my work key' >work-key
-provision_p --force --factor factor --iv iv --work-key work-key >/dev/null
 same "the factor file" "$(openssl base64 -d -A -in $f)" 0123456789abcdef
 same "the IV in front" "$(openssl base64 -d -in $w | head -c 16)" fedcba9876543210
 once=$(cat $f $w)
@@ -63,7 +62,7 @@ expect 0 'written' provision --force --key encrypt_stb_key --work-key too-long
 expect 2 'holds no work key' provision_p --force --work-key /dev/null
 
 # Broken in every way: how | what check says.
-provision_p "${known[@]}" --work-key work-key >/dev/null
+provision_p "${known[@]}" >/dev/null
 good_f=$(cat $f) good_w=$(cat $w)
 while IFS=@ read -r how pattern; do
   [ -n "$how" ] || continue
