@@ -19,6 +19,11 @@ target_compile_options(plx_warnings INTERFACE
   $<$<COMPILE_LANGUAGE:C>:-Wstrict-prototypes>
   $<$<BOOL:${PLX_WERROR}>:-Werror>)
 
+# What need not be fast, tests and the reading of command lines, is compiled quickly where the
+# library is optimised.
+add_library(plx_quick INTERFACE)
+target_compile_options(plx_quick INTERFACE $<$<CONFIG:RelWithDebInfo>:-O1 -g1>)
+
 # What the library alone is compiled with: nothing thrown, no type information, nothing exported
 # by accident, and the hardening that its callers' process deserves.
 add_library(plx_library_options INTERFACE)

@@ -23,7 +23,7 @@ function(plx_add_test name)
   add_executable(${name} ${ARGN})
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/src)
   target_link_libraries(${name} PRIVATE plx_objects plx_test_support GTest::gtest_main
-                                        plx_warnings)
+                                        plx_warnings plx_quick)
   gtest_discover_tests(${name} TEST_PREFIX "${name}." DISCOVERY_TIMEOUT 60
                        PROPERTIES TIMEOUT 300)
 endfunction()
@@ -32,7 +32,7 @@ endfunction()
 function(plx_add_host_test name)
   add_executable(${name} ${ARGN})
   target_compile_definitions(${name} PRIVATE PLX_NO_CALLER_CHECKS)
-  target_link_libraries(${name} PRIVATE plxutility GTest::gtest_main plx_warnings)
+  target_link_libraries(${name} PRIVATE plxutility GTest::gtest_main plx_warnings plx_quick)
   # The debugging twin is tried in front of each of them.
   set_property(GLOBAL APPEND PROPERTY PLX_HOST_TESTS ${name})
   gtest_discover_tests(${name} TEST_PREFIX "${name}." DISCOVERY_TIMEOUT 60
