@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "program.h"
-#include "securec/string_model.h"
+#include "string_model.h"
 #include "support/standard_input.h"
 
 namespace plx_fuzz {

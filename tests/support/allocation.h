@@ -25,23 +25,6 @@ class AllocationFault {
   void record_frees(void** out, size_t room);
 };
 
-// Calls `body` with the first, second, ... allocation failing until it runs without a failure.
-// `body` returns nothing and makes its own checks; `body(hit)` is told after the fact through
-// AllocationFault. Leaks are reported by the returned count of blocks still alive.
-template <typename Body>
-size_t fail_each_allocation(Body body, long* leaked) {
-  size_t n = 1;
-  *leaked = 0;
-  for (;; ++n) {
-    AllocationFault fault(n);
-    body(fault);
-    const bool hit = fault.hit();
-    *leaked += fault.live_blocks();
-    if (!hit) break;
-  }
-  return n - 1;
-}
-
 // From now on `look` sees each block of the library's before it is freed or moved.
 void look_at_freed_blocks(void (*look)(const void* block));
 

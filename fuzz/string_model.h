@@ -1,7 +1,7 @@
 // The copies and appends of both widths by one name, and naive models of them that work character
 // by character.
-#ifndef PLX_TESTS_SECUREC_STRING_MODEL_H
-#define PLX_TESTS_SECUREC_STRING_MODEL_H
+#ifndef PLX_FUZZ_STRING_MODEL_H
+#define PLX_FUZZ_STRING_MODEL_H
 
 #include <plx/securec.h>
 #include <stddef.h>
