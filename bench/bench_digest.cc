@@ -21,7 +21,7 @@
 #include "bench/support.h"
 #include "digest/arch/kernels.h"
 #include "digest/des.h"
-#include "digest/judge.h"
+#include "support/judge.h"
 
 namespace plx_bench {
 namespace {

@@ -71,6 +71,10 @@ void check_url(const std::string& text) {
   const unsigned size = PLX_base64UrlDecode(out.data(), room, in.data(), length);
   check(size == expected.size() && same(out.data(), expected.data(), size));
   if (size > 0) check(PLX_base64UrlDecode(out.data(), size - 1, in.data(), length) == 0);
+  std::string in_place = text;
+  auto* const at = reinterpret_cast<uint8_t*>(&in_place[0]);
+  check(size == PLX_base64UrlDecode(at, room, in_place.data(), length));
+  check(same(at, expected.data(), size));
 }
 
 void check_kernels(const Base64Alphabet& alphabet, const std::string& text) {
@@ -100,6 +104,10 @@ void check_round_trip(const std::string& bytes) {
   check(PLX_base64UrlEncoder(&text[0], room, data, size) == 0);
   check(PLX_base64UrlDecode(out.data(), size, text.data(), static_cast<int>(room)) == size);
   check(same(out.data(), data, size));
+  // In place, with the terminator before the given length.
+  auto* const at = reinterpret_cast<uint8_t*>(&text[0]);
+  check(PLX_base64UrlDecode(at, size, text.data(), static_cast<int>(room)) == size);
+  check(same(at, data, size));
 }
 
 }  // namespace

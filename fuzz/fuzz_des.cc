@@ -9,7 +9,7 @@
 
 #include "digest/arch/kernels.h"
 #include "digest/des.h"
-#include "digest/judge.h"
+#include "support/judge.h"
 
 namespace {
 

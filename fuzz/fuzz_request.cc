@@ -20,7 +20,7 @@
 #include <string>
 
 #include "cipher/secrets.h"
-#include "evp_judge.h"
+#include "support/judge.h"
 #include "support/leaks.h"
 
 namespace {

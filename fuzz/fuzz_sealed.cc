@@ -20,12 +20,12 @@
 #include <string>
 #include <vector>
 
-#include "evp_judge.h"
+#include "support/judge.h"
 #include "support/key_files.h"
 
 namespace {
 
-using plx_test::bytes;
+using plx_test::bytes_of;
 using plx_test::judge;
 using plx_test::Judged;
 
@@ -40,8 +40,8 @@ std::string decode_by_hand(std::string* text) {
   EVP_ENCODE_CTX* ctx = EVP_ENCODE_CTX_new();
   int n = 0, m = 0;
   EVP_DecodeInit(ctx);
-  EVP_DecodeUpdate(ctx, bytes(data), &n, bytes(*text), static_cast<int>(text->size()));
-  EVP_DecodeFinal(ctx, bytes(*text) + n, &m);
+  EVP_DecodeUpdate(ctx, bytes_of(data), &n, bytes_of(*text), static_cast<int>(text->size()));
+  EVP_DecodeFinal(ctx, bytes_of(*text) + n, &m);
   EVP_ENCODE_CTX_free(ctx);
   data.resize(static_cast<size_t>(n + m));
   return data;
@@ -55,7 +55,7 @@ Judged open_by_hand(const std::string& blob, const std::string& key, int type) {
 void check_opening(const std::string& text, int type, size_t out_size) {
   std::vector<char> in(text.begin(), text.end()), out(out_size + 1, '.');
   const int result = PLX_aesCbcDecryptByKey(in.data(), static_cast<int>(in.size()), out.data(),
-                                            static_cast<int>(out_size), bytes(kKey),
+                                            static_cast<int>(out_size), bytes_of(kKey),
                                             static_cast<AES_CBC_TYPE>(type));
   std::string scratched = text, expected(out_size + 1, '.');
   int expected_result = -1;
@@ -78,8 +78,8 @@ void check_sealing(const std::string& plain, int type) {
   const int length = static_cast<int>(plain.size());
   std::string out(2 * plain.size() + 200, '.');
   const int result =
-      PLX_aesCbcEncryptByKey(bytes(plain), length, &out[0], static_cast<int>(out.size()),
-                             bytes(kKey), static_cast<AES_CBC_TYPE>(type));
+      PLX_aesCbcEncryptByKey(bytes_of(plain), length, &out[0], static_cast<int>(out.size()),
+                             bytes_of(kKey), static_cast<AES_CBC_TYPE>(type));
   const std::string text = out.c_str();
   CHECK(result == static_cast<int>(text.size() / 4 * 4 + 4));
   CHECK(out.find_first_not_of('.', text.size() + 1) == std::string::npos);
@@ -91,7 +91,7 @@ void check_sealing(const std::string& plain, int type) {
   std::string back(plain.size() + 1, '.');
   const int text_len = static_cast<int>(text.size());
   const auto open = [&](int room) {
-    return PLX_aesCbcDecryptByKey(text.data(), text_len, &back[0], room, bytes(kKey),
+    return PLX_aesCbcDecryptByKey(text.data(), text_len, &back[0], room, bytes_of(kKey),
                                   static_cast<AES_CBC_TYPE>(type == 1));
   };
   CHECK(open(length) == -1);
@@ -102,7 +102,7 @@ void check_sealing(const std::string& plain, int type) {
 struct Store {
   Store() {
     files.write_factor(0, plx_test::base64(kFactor));
-    CHECK(DeriveInitKeyByIndex(0, bytes(init_key), 16) == 0);
+    CHECK(DeriveInitKeyByIndex(0, bytes_of(init_key), 16) == 0);
   }
   plx_test::KeyFiles files;
   std::string init_key = std::string(16, '\0');
@@ -111,7 +111,7 @@ struct Store {
 void check_factor_file(Store& store, const std::string& file, int size) {
   store.files.write_factor(1, file);
   std::string out(200, '.'), text = file.substr(0, static_cast<size_t>(2 * size));
-  const int result = getFactorByIndex(1, bytes(out), size);
+  const int result = getFactorByIndex(1, bytes_of(out), size);
   std::string expected(200, '.');
   const std::string factor = decode_by_hand(&text);
   if (!file.empty() && factor.size() <= static_cast<size_t>(size)) {

@@ -9,7 +9,7 @@
 #include <string>
 
 #include "digest/arch/kernels.h"
-#include "digest/judge.h"
+#include "support/judge.h"
 
 namespace {
 

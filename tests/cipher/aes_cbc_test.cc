@@ -26,11 +26,11 @@ class AesCbc : public testing::Test {
 // The pairs behind one face.
 template <AES_CBC_TYPE kType>
 int encrypt_by_key(const unsigned char* in, int in_len, char* out, int out_size) {
-  return PLX_aesCbcEncryptByKey(in, in_len, out, out_size, bytes(kKey), kType);
+  return PLX_aesCbcEncryptByKey(in, in_len, out, out_size, bytes_of(kKey), kType);
 }
 template <AES_CBC_TYPE kType>
 int decrypt_by_key(const char* in, int in_len, char* out, int out_size) {
-  return PLX_aesCbcDecryptByKey(in, in_len, out, out_size, bytes(kKey), kType);
+  return PLX_aesCbcDecryptByKey(in, in_len, out, out_size, bytes_of(kKey), kType);
 }
 struct Pair {
   const char* name;
@@ -55,7 +55,7 @@ std::string unsealed(std::string text) {
   EVP_ENCODE_CTX* ctx = EVP_ENCODE_CTX_new();
   int n = 0;
   EVP_DecodeInit(ctx);
-  EVP_DecodeUpdate(ctx, bytes(blob), &n, bytes(text), length(text));
+  EVP_DecodeUpdate(ctx, bytes_of(blob), &n, bytes_of(text), length(text));
   EVP_ENCODE_CTX_free(ctx);
   return blob.substr(0, static_cast<size_t>(n));
 }
@@ -72,9 +72,9 @@ TEST_F(AesCbc, SealsWhatLibcryptoOpens) {
       const int groups = (16 + len / 16 * 16 + 16 + 2) / 3 * 4;
       const int text_len = groups + (groups + 63) / 64, result = text_len / 4 * 4 + 4;
       Guarded<char> out(static_cast<size_t>(result) + 1);
-      EXPECT_EQ(-1, pair.encrypt(bytes(plain), len, out.data(), result));
+      EXPECT_EQ(-1, pair.encrypt(bytes_of(plain), len, out.data(), result));
       EXPECT_EQ(0, out[0]);
-      ASSERT_EQ(result, pair.encrypt(bytes(plain), len, out.data(), result + 1));
+      ASSERT_EQ(result, pair.encrypt(bytes_of(plain), len, out.data(), result + 1));
       const std::string text = out.data();
       ASSERT_EQ(text_len, length(text));
       EXPECT_EQ(stored ? '_' : '\n', text.back());
@@ -82,7 +82,7 @@ TEST_F(AesCbc, SealsWhatLibcryptoOpens) {
       EXPECT_NE(previous, text);
       previous = text;
       const std::string blob = unsealed(text);
-      EXPECT_EQ(plain, judge(pair.cipher, false, true, pair.key, blob, blob.substr(16)));
+      EXPECT_EQ(plain, judge_cipher(pair.cipher, false, true, pair.key, blob, blob.substr(16)));
 
       Guarded<char> in(text.data(), text.size());  // no terminator behind it
       Guarded<char> back(static_cast<size_t>(len) + 1);
@@ -123,7 +123,7 @@ TEST_F(AesCbc, Refusals) {
       std::string out(200, '.');
       char* to = row.out ? &out[0] : nullptr;
       EXPECT_EQ(row.encrypted,
-                pair.encrypt(row.in ? bytes(in) : nullptr, row.in_len, to, row.out_size));
+                pair.encrypt(row.in ? bytes_of(in) : nullptr, row.in_len, to, row.out_size));
       EXPECT_EQ(row.encrypted < 0, out == std::string(200, '.'));
       if (row.decrypted == -2) continue;
       out.assign(200, '.');
@@ -132,7 +132,7 @@ TEST_F(AesCbc, Refusals) {
     }
   }
   char out[200];
-  EXPECT_EQ(-1, PLX_aesCbcEncryptByKey(bytes(kKey), 4, out, 200, nullptr, AES_CBC_128));
+  EXPECT_EQ(-1, PLX_aesCbcEncryptByKey(bytes_of(kKey), 4, out, 200, nullptr, AES_CBC_128));
   EXPECT_EQ(-1, PLX_aesCbcDecryptByKey(text, 36, out, 200, nullptr, AES_CBC_128));
 }
 
@@ -143,7 +143,7 @@ TEST_F(AesCbc, WhatIsNotNoticed) {
   std::string out(64, '.');
   EXPECT_EQ(40, decrypt_by_key<AES_CBC_128>(text, 90, &out[0], 64));
   EXPECT_EQ(std::string("ab\0...", 6), out.substr(0, 6));  // the result counts what is not copied
-  EXPECT_EQ(32, PLX_aesCbcDecryptByKey(text, 90, &out[0], 64, bytes(wrong), AES_CBC_128));
+  EXPECT_EQ(32, PLX_aesCbcDecryptByKey(text, 90, &out[0], 64, bytes_of(wrong), AES_CBC_128));
   EXPECT_EQ(0, decrypt_by_key<static_cast<AES_CBC_TYPE>(2)>(text, 90, &out[0], 64));
   for (const std::string& malformed : {std::string(30, '!'), std::string(64, 'Q') + "QUJD!"}) {
     Guarded<char> in(malformed.data(), malformed.size());
@@ -154,12 +154,12 @@ TEST_F(AesCbc, WhatIsNotNoticed) {
 
 TEST_F(AesCbc, CacheIsFilledOnce) {
   char text[100], out[100];
-  EXPECT_EQ(-1, PLX_aesCbcEncrypt(bytes(kKey), 8, text, 100));  // no files yet
-  files_.provision(0, kFactor, "");                             // an empty key is never cached
-  EXPECT_EQ(48, PLX_aesCbcEncrypt(bytes(kKey), 8, text, 100));
+  EXPECT_EQ(-1, PLX_aesCbcEncrypt(bytes_of(kKey), 8, text, 100));  // no files yet
+  files_.provision(0, kFactor, "");                                // an empty key is never cached
+  EXPECT_EQ(48, PLX_aesCbcEncrypt(bytes_of(kKey), 8, text, 100));
   EXPECT_EQ(0, g_WorkKey[0]);
   files_.provision(0, kFactor, std::string(511, 'k'));
-  ASSERT_EQ(48, PLX_aesCbcEncrypt(bytes(kKey), 8, text, 100));
+  ASSERT_EQ(48, PLX_aesCbcEncrypt(bytes_of(kKey), 8, text, 100));
   EXPECT_EQ(std::string(511, 'k') + '\0', std::string(g_WorkKey, 512));
   files_.write_work_key(0, "gone");
   EXPECT_EQ(8, PLX_aesCbcDecrypt(text, 45, out, 100));

@@ -54,9 +54,9 @@ TEST(AesRecord, PublishedVectors) {
       {kEcb, 256, counting, fips, "8EA2B7CA516745BFEAFC49904B496089"},
   };
   for (const Row& row : rows) {
-    std::string plain = from_hex(row.plain), cipher = from_hex(row.cipher), out(16, '.');
-    tagAes aes = make_record(row.mode, row.bits, 2, plain, from_hex(row.key),
-                             from_hex(counting.substr(0, 32)));
+    std::string plain = unhex(row.plain), cipher = unhex(row.cipher), out(16, '.');
+    tagAes aes =
+        make_record(row.mode, row.bits, 2, plain, unhex(row.key), unhex(counting.substr(0, 32)));
     if (row.plain == nist) {  // the other starts with a zero byte and is no text
       EXPECT_EQ(16, PLX_AesEncryByMode(&aes, &out[0], 32));
       EXPECT_EQ(row.cipher, to_hex(out));
@@ -76,7 +76,7 @@ TEST(AesRecord, AgreesWithLibcryptoAtEveryLength) {
     while (length(text) < text_len) text += static_cast<char>(255 - 5 * text.size());
     tagAes aes = make_record(mode, bits, padding, text);
     const std::string name = "AES-" + std::to_string(bits) + (mode == kEcb ? "-ECB" : "-CBC");
-    const std::string expected = judge(name, true, padding != 2, kKey, kIv, text);
+    const std::string expected = judge_cipher(name, true, padding != 2, kKey, kIv, text);
     const bool refused = expected == "refused";
     const int need = text_len / 16 * 16 + 16;
     Guarded<char> out(static_cast<size_t>(need)), back(static_cast<size_t>(need));
@@ -121,7 +121,7 @@ TEST(AesRecord, Refusals) {
     SCOPED_TRACE(row.why);
     const HostErrors errors;
     std::string text = "sixteen letters.", out(48, '.');
-    std::string cipher = judge("AES-128-CBC", true, true, kKey, kIv, text);
+    std::string cipher = judge_cipher("AES-128-CBC", true, true, kKey, kIv, text);
     tagAes aes = make_record(row.mode, row.bits, 1, text);
     if (row.nulls & kNoText) aes.pszText = nullptr;
     const tagAes* record = row.nulls & kNoRecord ? nullptr : &aes;
@@ -149,7 +149,7 @@ TEST(AesRecord, InitLeavesTheRestToTheHost) {
     ASSERT_EQ(1, init(&aes, ctx));
     unsigned char out[32];
     int n = 0;
-    EXPECT_EQ(1, EVP_CipherUpdate(ctx, out, &n, bytes(kKey), 16));
+    EXPECT_EQ(1, EVP_CipherUpdate(ctx, out, &n, bytes_of(kKey), 16));
     // The padding switch of the record is not applied: decryption holds its only block back.
     EXPECT_EQ(encrypting ? 16 : 0, n);
   }

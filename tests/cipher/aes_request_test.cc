@@ -48,9 +48,9 @@ std::string iv_of(const std::string& prefix) {
 std::string judge_request(const Cipher& cipher, const std::string& stored, bool encrypting,
                           const std::string& in) {
   const std::string name = "AES-" + cipher.bits + "-" + (cipher.mode == "CBC" ? "CBC" : "ECB");
-  return judge(name, encrypting, !cipher.padding.empty(),
-               key_of(cipher.key_prefix.empty() ? stored : cipher.key_prefix),
-               iv_of(cipher.iv_prefix), in);
+  return judge_cipher(name, encrypting, !cipher.padding.empty(),
+                      key_of(cipher.key_prefix.empty() ? stored : cipher.key_prefix),
+                      iv_of(cipher.iv_prefix), in);
 }
 
 // `out` between dots.
@@ -216,8 +216,7 @@ TEST(AesRequest, HexIsLenient) {
     SCOPED_TRACE(row.why);
     const Outcome outcome = decrypt(request_of(cipher, "cipherText", row.text), 48);
     EXPECT_EQ(1, outcome.result);
-    EXPECT_EQ(framed(judge_request(cipher, "", false, from_hex(row.decoded)) + '\0'),
-              outcome.image);
+    EXPECT_EQ(framed(judge_request(cipher, "", false, unhex(row.decoded)) + '\0'), outcome.image);
   }
   // Digits behind the 1022nd are cut, which leaves an unfinished block.
   EXPECT_EQ('\0', decrypt(request_of(cipher, "cipherText", std::string(1024, '0')), 2000).image[0]);

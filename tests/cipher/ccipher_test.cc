@@ -46,8 +46,8 @@ TEST(CCipher, DerivesKeys) {
     std::string out(20, '.');
     const auto* salt = reinterpret_cast<const unsigned char*>(row.salt);
     EXPECT_EQ(row.result, CCipher::deriveKey(row.pass, row.pass_len, salt, row.salt_len,
-                                             row.iterations, row.key_len, bytes(out)));
-    EXPECT_EQ(from_hex(row.key) + std::string(20 - strlen(row.key) / 2, '.'), out);
+                                             row.iterations, row.key_len, bytes_of(out)));
+    EXPECT_EQ(unhex(row.key) + std::string(20 - strlen(row.key) / 2, '.'), out);
     EXPECT_EQ(0, CCipher::deriveKey(row.pass, 6, salt, 4, 1, 16, nullptr));
   }
 }
@@ -60,7 +60,7 @@ TEST(CCipher, Base64OfEveryLength) {
     for (size_t i = 0; i < data.size(); i += 48) {
       unsigned char line[65];
       const std::string piece = data.substr(i, 48);
-      EVP_EncodeBlock(line, bytes(piece), length(piece));
+      EVP_EncodeBlock(line, bytes_of(piece), length(piece));
       expected += std::string(reinterpret_cast<char*>(line)) + "\n";
     }
     ASSERT_EQ(expected, base64(data));
@@ -76,7 +76,7 @@ TEST(CCipher, Base64OfEveryLength) {
     }
   }
   for (int len : {0, -1, INT_MIN, INT_MAX}) {  // the last would give a text above INT_MAX
-    EXPECT_EQ(nullptr, CCipher::Base64(bytes(data), len)) << len;
+    EXPECT_EQ(nullptr, CCipher::Base64(bytes_of(data), len)) << len;
   }
   EXPECT_EQ(nullptr, CCipher::Base64(nullptr, 3));
 }
@@ -94,8 +94,8 @@ TEST(CCipher, MalformedBase64ScratchesItsText) {
     int updated = 0, finished = 0, n = -1;
     EVP_ENCODE_CTX* ctx = EVP_ENCODE_CTX_new();
     EVP_DecodeInit(ctx);
-    EVP_DecodeUpdate(ctx, bytes(data), &updated, bytes(text), length(text));
-    EVP_DecodeFinal(ctx, bytes(text) + updated, &finished);
+    EVP_DecodeUpdate(ctx, bytes_of(data), &updated, bytes_of(text), length(text));
+    EVP_DecodeFinal(ctx, bytes_of(text) + updated, &finished);
     EVP_ENCODE_CTX_free(ctx);
     scratched = scratched || text != row;
 
@@ -142,8 +142,8 @@ TEST(CCipher, SealCapacity) {
     std::string out(80, '.');
     int size = row.capacity;
     // No type seals as AES_CBC_128.
-    EXPECT_EQ(row.result,
-              CCipher::EncryptData(bytes(in), row.in_len, bytes(out), size, bytes(key_k), kNoType));
+    EXPECT_EQ(row.result, CCipher::EncryptData(bytes_of(in), row.in_len, bytes_of(out), size,
+                                               bytes_of(key_k), kNoType));
     EXPECT_EQ(row.size, size);
     const std::string rest(80 - row.touched, '.');
     EXPECT_EQ(rest, out.substr(row.touched));
@@ -152,7 +152,7 @@ TEST(CCipher, SealCapacity) {
     if (row.result == 0) continue;
     const std::string sealed_with = out.substr(0, row.touched);
     EXPECT_EQ(row.in_len > 0 ? in : "",
-              judge("AES-128-CBC", false, true, key_k, sealed_with, sealed_with.substr(16)));
+              judge_cipher("AES-128-CBC", false, true, key_k, sealed_with, sealed_with.substr(16)));
   }
 }
 
@@ -179,11 +179,11 @@ TEST(CCipher, OpeningIsLenient) {
   for (const Row& row : rows) {
     SCOPED_TRACE(row.why);
     const HostErrors errors;
-    Guarded<unsigned char> in(bytes(blob), static_cast<size_t>(std::max(row.in_len, 0)));
+    Guarded<unsigned char> in(bytes_of(blob), static_cast<size_t>(std::max(row.in_len, 0)));
     std::string out(64, '.'), key(16, row.key);
     int size = 1;  // tested, but no bound
-    EXPECT_EQ(1,
-              CCipher::DecryptData(in.data(), row.in_len, bytes(out), size, bytes(key), row.type));
+    EXPECT_EQ(1, CCipher::DecryptData(in.data(), row.in_len, bytes_of(out), size, bytes_of(key),
+                                      row.type));
     EXPECT_EQ(row.size, static_cast<size_t>(size));
     EXPECT_EQ(std::string(64 - row.size, '.'), out.substr(row.size));
   }
@@ -193,17 +193,17 @@ TEST(CCipher, NullsAndFailuresBeneath) {
   std::string in(16, 'i'), out(64, '.');
   for (auto run : {CCipher::EncryptData, CCipher::DecryptData}) {
     int size = 64, none = 0;
-    EXPECT_EQ(0, run(nullptr, 16, bytes(out), size, bytes(key_k), AES_CBC_128));
-    EXPECT_EQ(0, run(bytes(in), 16, nullptr, size, bytes(key_k), AES_CBC_128));
-    EXPECT_EQ(0, run(bytes(in), 16, bytes(out), size, nullptr, AES_CBC_128));
-    EXPECT_EQ(0, run(bytes(in), 16, bytes(out), none, bytes(key_k), AES_CBC_128));
+    EXPECT_EQ(0, run(nullptr, 16, bytes_of(out), size, bytes_of(key_k), AES_CBC_128));
+    EXPECT_EQ(0, run(bytes_of(in), 16, nullptr, size, bytes_of(key_k), AES_CBC_128));
+    EXPECT_EQ(0, run(bytes_of(in), 16, bytes_of(out), size, nullptr, AES_CBC_128));
+    EXPECT_EQ(0, run(bytes_of(in), 16, bytes_of(out), none, bytes_of(key_k), AES_CBC_128));
     EXPECT_EQ(64, size);
   }
   EXPECT_EQ(0, CCipher::GenerateRand(nullptr, 32));
-  EXPECT_EQ(0, CCipher::GenerateRand(bytes(out), 0));
-  EXPECT_EQ(0, CCipher::GenerateRand(bytes(out), -1));
+  EXPECT_EQ(0, CCipher::GenerateRand(bytes_of(out), 0));
+  EXPECT_EQ(0, CCipher::GenerateRand(bytes_of(out), -1));
   EXPECT_EQ(std::string(64, '.'), out);
-  EXPECT_EQ(1, CCipher::GenerateRand(bytes(out), 32));
+  EXPECT_EQ(1, CCipher::GenerateRand(bytes_of(out), 32));
   EXPECT_NE(out.substr(0, 16), out.substr(16, 16));
   EXPECT_EQ(std::string(32, '.'), out.substr(32));
 
@@ -211,12 +211,14 @@ TEST(CCipher, NullsAndFailuresBeneath) {
   const HostErrors errors;
   const NoProviders none;
   int size = 64;
-  EXPECT_EQ(1, CCipher::EncryptData(bytes(in), 16, bytes(out), size, bytes(key_k), AES_CBC_128));
+  EXPECT_EQ(
+      1, CCipher::EncryptData(bytes_of(in), 16, bytes_of(out), size, bytes_of(key_k), AES_CBC_128));
   EXPECT_EQ(16, size);
   EXPECT_EQ(std::string(32, '.'), out.substr(32));
-  EXPECT_EQ(1, CCipher::DecryptData(bytes(in), 16, bytes(out), size, bytes(key_k), AES_CBC_128));
+  EXPECT_EQ(
+      1, CCipher::DecryptData(bytes_of(in), 16, bytes_of(out), size, bytes_of(key_k), AES_CBC_128));
   EXPECT_EQ(0, size);
-  EXPECT_EQ(1, CCipher::deriveKey("p", 1, bytes(in), 16, 1, 16, bytes(out)));
+  EXPECT_EQ(1, CCipher::deriveKey("p", 1, bytes_of(in), 16, 1, 16, bytes_of(out)));
 }
 
 TEST(CCipher, InstanceDerivesWithItsVector) {
@@ -224,10 +226,10 @@ TEST(CCipher, InstanceDerivesWithItsVector) {
   EXPECT_EQ(instance, CCipher::getInstance());
   std::string vector(17, '\0'), expected(16, '.');
   instance->getCCipherInitVector(nullptr, 16);
-  instance->getCCipherInitVector(bytes(vector), 15);
+  instance->getCCipherInitVector(bytes_of(vector), 15);
   EXPECT_TRUE(vector == std::string(17, '\0'));
-  instance->getCCipherInitVector(bytes(vector), 17);
-  getInitVector(bytes(expected), 16);
+  instance->getCCipherInitVector(bytes_of(vector), 17);
+  getInitVector(bytes_of(expected), 16);
   EXPECT_TRUE(vector == expected + '\0');
 
   CCipher own;
@@ -236,11 +238,11 @@ TEST(CCipher, InstanceDerivesWithItsVector) {
        {std::pair("QUJDREVGR0hJSktMTU5PUFFSU1RV\n", cut), std::pair("QR==", filled)}) {
     Guarded<char> in(text, strlen(text) + 1);
     std::string out(17, '.');
-    EXPECT_EQ(1, own.DeriveInitKey(in.data(), bytes(out)));
+    EXPECT_EQ(1, own.DeriveInitKey(in.data(), bytes_of(out)));
     EXPECT_EQ(pbkdf2(factor, expected, 100000, 16) + ".", out);
   }
-  EXPECT_EQ(0, own.DeriveInitKey(nullptr, bytes(vector)));
-  EXPECT_EQ(0, own.DeriveInitKey("", bytes(vector)));
+  EXPECT_EQ(0, own.DeriveInitKey(nullptr, bytes_of(vector)));
+  EXPECT_EQ(0, own.DeriveInitKey("", bytes_of(vector)));
   EXPECT_EQ(0, own.DeriveInitKey("QUJD", nullptr));
 }
 

@@ -75,17 +75,17 @@ TEST(KeyStore, Factor) {
     SCOPED_TRACE(row.why);
     files.write_factor(1, row.file);
     std::string out(40, '.');
-    EXPECT_EQ(row.result, getFactorByIndex(1, bytes(out), row.size));
+    EXPECT_EQ(row.result, getFactorByIndex(1, bytes_of(out), row.size));
     EXPECT_EQ(row.factor + std::string(40 - row.factor.size(), '.'), out);
   }
   std::string out(16, '.');
   for (int index : {-1, 5, INT_MIN, INT_MAX, 2}) {  // row 2 has no file
-    EXPECT_EQ(-1, getFactorByIndex(index, bytes(out), 16)) << index;
+    EXPECT_EQ(-1, getFactorByIndex(index, bytes_of(out), 16)) << index;
   }
   EXPECT_EQ(-1, getFactorByIndex(1, nullptr, 16));
   for (const char* path : {files.folder().c_str(), static_cast<const char*>(nullptr)}) {
     g_stKeyMap[1].pszFactorPath = path;
-    EXPECT_EQ(-1, getFactorByIndex(1, bytes(out), 16));
+    EXPECT_EQ(-1, getFactorByIndex(1, bytes_of(out), 16));
   }
   EXPECT_EQ(std::string(16, '.'), out);
   EXPECT_EQ(descriptors, open_descriptors());
@@ -128,16 +128,16 @@ TEST(KeyStore, InitKey) {
     if (row.index == 4) g_stKeyMap[4].pfnGetVector = row.vector;
     std::string vector(16, '.'), out(41, '.'), expected;
     if (row.result == 0) {
-      row.vector(bytes(vector), 16);
+      row.vector(bytes_of(vector), 16);
       expected = pbkdf2(row.factor.substr(0, 16), vector, 10000, row.size);
     }
-    EXPECT_EQ(row.result, DeriveInitKeyByIndex(row.index, bytes(out), row.size));
+    EXPECT_EQ(row.result, DeriveInitKeyByIndex(row.index, bytes_of(out), row.size));
     EXPECT_TRUE(out == expected + std::string(41 - expected.size(), '.'));
     EXPECT_EQ(-1, DeriveInitKeyByIndex(row.index, nullptr, 16));
-    unsigned char* none = row.vector != nullptr ? bytes(vector) : nullptr;
+    unsigned char* none = row.vector != nullptr ? bytes_of(vector) : nullptr;
     const unsigned index = static_cast<unsigned>(row.index);
     EXPECT_TRUE(index != 4 || row.vector == no_vector ||
-                none == getVectorForInitKeyByIndex(4, bytes(vector), 16));
+                none == getVectorForInitKeyByIndex(4, bytes_of(vector), 16));
   }
 }
 
@@ -145,7 +145,7 @@ TEST(KeyStore, WorkKey) {
   KeyFiles files;
   files.write_factor(1, base64(kFactor));
   std::string init_key(16, '\0');
-  ASSERT_EQ(0, DeriveInitKeyByIndex(1, bytes(init_key), 16));
+  ASSERT_EQ(0, DeriveInitKeyByIndex(1, bytes_of(init_key), 16));
   const auto file_of = [&](const std::string& key) { return base64(sealed(key, init_key)); };
   const std::string blob = sealed("work key", init_key), fifteen(15, 'k'), long_key(700, 'k');
   std::string damaged = sealed(std::string(16, 'p'), init_key);

@@ -37,7 +37,7 @@ const VectorRow kRows[] = {
 // No vector is printed when a test fails: comparisons are EXPECT_TRUE.
 std::string vector_of(const VectorRow& row) {
   std::string out(16, '.');
-  row.get(bytes(out), 16);
+  row.get(bytes_of(out), 16);
   return out;
 }
 
@@ -52,15 +52,16 @@ TEST(KeyVectors, SizesAndDigests) {
     SCOPED_TRACE(i);
     const std::string vector = vector_of(kRows[i]), untouched(64, '.');
     different.insert(vector);
-    EXPECT_TRUE(!secrets_are_samples() || kRows[i].sample_digest == sha256_hex(vector));
+    EXPECT_TRUE(!secrets_are_samples() ||
+                kRows[i].sample_digest == to_hex(judge_digest("SHA256", vector)));
     for (unsigned size : {0u, 15u, 16u, 64u, 0x7FFFFFFFu, 0x80000000u, 0xFFFFFFFFu}) {
       const bool taken = size >= 16 && size <= 0x7FFFFFFF;  // the size counts as signed
       std::string out = untouched;
-      EXPECT_EQ(taken ? bytes(out) : nullptr, kRows[i].get(bytes(out), size)) << size;
+      EXPECT_EQ(taken ? bytes_of(out) : nullptr, kRows[i].get(bytes_of(out), size)) << size;
       EXPECT_TRUE(out == (taken ? vector + std::string(48, '.') : untouched));
       std::string by_index = untouched;  // the last two belong to no row
-      EXPECT_EQ(taken && i < 5 ? bytes(by_index) : nullptr,
-                getVectorForInitKeyByIndex(i < 5 ? i : i + 0x80000000u, bytes(by_index), size));
+      EXPECT_EQ(taken && i < 5 ? bytes_of(by_index) : nullptr,
+                getVectorForInitKeyByIndex(i < 5 ? i : i + 0x80000000u, bytes_of(by_index), size));
       EXPECT_TRUE(by_index == (i < 5 ? out : untouched));
     }
     EXPECT_EQ(nullptr, kRows[i].get(nullptr, 16));
@@ -105,8 +106,8 @@ TEST(KeyVectors, FingerprintCoversEverySecret) {
   }
   for (const VectorRow& row : kRows) all += vector_of(row);
   set_box_identifier("STB-000123");  // belongs to the box, not to the secrets
-  ASSERT_TRUE(fingerprint_secrets(bytes(out)));
-  EXPECT_EQ(sha256_hex(all), to_hex(out));
+  ASSERT_TRUE(fingerprint_secrets(bytes_of(out)));
+  EXPECT_EQ(to_hex(judge_digest("SHA256", all)), to_hex(out));
   set_box_identifier("");
 }
 

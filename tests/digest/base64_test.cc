@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "digest/base64_text.h"
-#include "digest/judge.h"
+#include "support/judge.h"
 
 namespace {
 
@@ -52,7 +52,8 @@ std::string decode_url(const std::string& text) {
   return size == 0 ? kRefused : as_bytes(out_page.bytes(room), size);
 }
 
-TEST(Base64, EveryLengthBothWays) {
+// Into exactly enough room, and not into less. fuzz/fuzz_base64.cc decodes the texts again.
+TEST(Base64, EveryLengthEncoded) {
   std::vector<size_t> sizes = {3000, 65536, 65537};
   for (size_t size = 1; size <= 300; ++size) sizes.push_back(size);
   for (size_t size : sizes) {
@@ -60,7 +61,6 @@ TEST(Base64, EveryLengthBothWays) {
     const uint8_t* in = in_page.copy(bytes);
     const std::string text = judge_base64(bytes), url = as_url(text);
     const unsigned length = static_cast<unsigned>(size);
-
     const unsigned room = static_cast<unsigned>(text.size() + 1);
     char* out = out_page.chars(room);
     ASSERT_EQ(text.size(), PLX_b64_encode(in, length, out, room));
@@ -73,20 +73,6 @@ TEST(Base64, EveryLengthBothWays) {
     url_out[0] = '.';
     ASSERT_EQ(-1, PLX_base64UrlEncoder(url_out, url_room - 1, in, length));
     ASSERT_EQ('.', url_out[0]);
-
-    ASSERT_EQ(hex(bytes), hex(decode(text)));
-    ASSERT_EQ(hex(bytes), hex(decode_url(url)));
-    // In place, the second with a NUL before the given length.
-    std::string image = text;
-    auto* at = reinterpret_cast<uint8_t*>(&image[0]);
-    ASSERT_EQ(length, PLX_b64_decode(image.data(), room - 1, at));
-    ASSERT_EQ(hex(bytes), hex(image.substr(0, size)));
-    image = url + std::string(3, '\0');
-    at = reinterpret_cast<uint8_t*>(&image[0]);
-    const int url_length = static_cast<int>(image.size());
-    ASSERT_EQ(0u, PLX_base64UrlDecode(at, length - 1, image.data(), url_length));
-    ASSERT_EQ(length, PLX_base64UrlDecode(at, length, image.data(), url_length));
-    ASSERT_EQ(hex(bytes), hex(image.substr(0, size)));
   }
 }
 

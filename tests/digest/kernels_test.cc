@@ -9,8 +9,8 @@
 
 #include "digest/base64_text.h"
 #include "digest/des.h"
-#include "digest/judge.h"
 #include "digest/sha256_staged.h"
+#include "support/judge.h"
 
 namespace {
 

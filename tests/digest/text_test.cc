@@ -13,7 +13,7 @@
 #include <string>
 #include <thread>
 
-#include "digest/judge.h"
+#include "support/judge.h"
 
 namespace {
 

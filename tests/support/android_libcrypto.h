@@ -9,15 +9,6 @@
 
 #define ERR_raise(library, reason) ERR_put_error(library, 0, reason, __FILE__, __LINE__)
 
-inline EVP_CIPHER* EVP_CIPHER_fetch(void*, const char* name, const char*) {
-  return const_cast<EVP_CIPHER*>(EVP_get_cipherbyname(name));
-}
-inline void EVP_CIPHER_free(EVP_CIPHER*) {}
-inline int EVP_CipherInit_ex2(EVP_CIPHER_CTX* ctx, const EVP_CIPHER* cipher,
-                              const unsigned char* key, const unsigned char* iv, int encrypting,
-                              const void*) {
-  return EVP_CipherInit_ex(ctx, cipher, nullptr, key, iv, encrypting);
-}
 // It has no providers to take away; the tests that do so are among the known differences.
 inline int EVP_set_default_properties(void*, const char*) { return 0; }
 

@@ -1,7 +1,9 @@
-// libcrypto, through EVP, as the judge of our own digests and ciphers; and bytes to feed both.
-#ifndef PLX_TESTS_DIGEST_JUDGE_H
-#define PLX_TESTS_DIGEST_JUDGE_H
+// libcrypto, by the calls that a reader of its manual would write, as the judge of our digests and
+// ciphers; and bytes to feed both.
+#ifndef PLX_TESTS_SUPPORT_JUDGE_H
+#define PLX_TESTS_SUPPORT_JUDGE_H
 
+#include <openssl/err.h>
 #include <openssl/evp.h>
 #include <openssl/hmac.h>
 #include <stdint.h>
@@ -17,6 +19,7 @@ namespace plx_test {
 inline const uint8_t* bytes_of(const std::string& bytes) {
   return reinterpret_cast<const uint8_t*>(bytes.data());
 }
+inline uint8_t* bytes_of(std::string& bytes) { return reinterpret_cast<uint8_t*>(&bytes[0]); }
 
 inline std::string as_bytes(const void* data, size_t size) {
   return std::string(static_cast<const char*>(data), size);
@@ -61,17 +64,35 @@ inline std::string judge_hmac(const char* name, const std::string& key, const st
   return as_bytes(out, size);
 }
 
-// Triple DES over whole blocks with a key of 24 bytes.
-inline std::string judge_3des(bool encrypt, const std::string& key, const std::string& blocks) {
+struct Judged {
+  bool accepted;    // every step succeeded
+  std::string out;  // what was written, by a failed run too
+};
+
+inline Judged judge(const EVP_CIPHER* cipher, bool encrypting, bool padding, const std::string& key,
+                    const std::string& iv, const std::string& in) {
+  ERR_set_mark();
   EVP_CIPHER_CTX* ctx = EVP_CIPHER_CTX_new();
-  EVP_CipherInit_ex(ctx, EVP_des_ede3_ecb(), nullptr, bytes_of(key), nullptr, encrypt);
-  EVP_CIPHER_CTX_set_padding(ctx, 0);
-  std::string out(blocks.size(), '\0');
-  int size = 0;
-  EVP_CipherUpdate(ctx, reinterpret_cast<uint8_t*>(&out[0]), &size, bytes_of(blocks),
-                   static_cast<int>(blocks.size()));
+  std::string out(in.size() + 32, '\0');
+  int updated = 0, finished = 0;
+  EVP_CipherInit_ex(ctx, cipher, nullptr, bytes_of(key), bytes_of(iv), encrypting);
+  EVP_CIPHER_CTX_set_padding(ctx, padding);
+  EVP_CipherUpdate(ctx, bytes_of(out), &updated, bytes_of(in), static_cast<int>(in.size()));
+  const bool accepted = EVP_CipherFinal_ex(ctx, bytes_of(out) + updated, &finished) == 1;
   EVP_CIPHER_CTX_free(ctx);
-  return out;
+  ERR_pop_to_mark();
+  out.resize(static_cast<size_t>(updated + (accepted ? finished : 0)));
+  return {accepted, out};
+}
+
+inline Judged judge(const std::string& cipher_name, bool encrypting, bool padding,
+                    const std::string& key, const std::string& iv, const std::string& in) {
+  return judge(EVP_get_cipherbyname(cipher_name.c_str()), encrypting, padding, key, iv, in);
+}
+
+// Triple DES over whole blocks with a key of 24 bytes.
+inline std::string judge_3des(bool encrypting, const std::string& key, const std::string& blocks) {
+  return judge(EVP_des_ede3_ecb(), encrypting, false, key, "", blocks).out;
 }
 
 // Room between two inaccessible pages, mapped once for many uses of different sizes: its end, or
