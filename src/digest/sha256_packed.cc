@@ -58,23 +58,50 @@ size_t block_position(const Sha256Ctx* ctx) {
   return (ctx->bitCount[6] << 8 | ctx->bitCount[7]) / 8 % kSha256BlockSize;
 }
 
-// A block of words is filled as bytes, each at the place that it has in its word.
-void pack(uint32_t* block, size_t position, const uint8_t* data, size_t size) {
-  auto* const bytes = reinterpret_cast<uint8_t*>(block);
-  size_t i = 0;
-  const auto pack_byte = [&] { bytes[position++ ^ 3] = data[i++]; };
-  while (i < size && position % 4 != 0) pack_byte();
-  for (; size - i >= sizeof(Quad); i += sizeof(Quad), position += sizeof(Quad)) {
-    const Quad words = load_swapped(data + i);
-    memcpy(bytes + position, &words, sizeof words);
+// 1 to 8 bytes as one number, the first of them on top.
+uint64_t load_top(const uint8_t* data, size_t size) {
+  if (size >= 4) {
+    const uint64_t first = load_be32(data), last = load_be32(data + size - 4);
+    return first << 32 | last << (64 - 8 * size);
   }
-  for (; size - i >= 4; i += 4, position += 4) block[position / 4] = load_be32(data + i);
-  while (i < size) pack_byte();
+  const uint64_t first = data[0], middle = data[size / 2], last = data[size - 1];
+  return first << 56 | middle << (56 - 8 * (size / 2)) | last << (64 - 8 * size);
 }
 
+// 1 to 8 bytes join the zeros that a block holds where nothing is filled in yet.
+void pack_few(uint32_t* block, size_t position, const uint8_t* data, size_t size) {
+  const uint64_t bytes = load_top(data, size);
+  const size_t in_word = position % 4, shift = 8 * in_word;
+  uint32_t* const words = block + position / 4;
+  words[0] |= static_cast<uint32_t>(bytes >> 32 >> shift);
+  if (in_word + size <= 4) return;
+  words[1] |= static_cast<uint32_t>(bytes >> shift);
+  if (in_word + size > 8) words[2] |= static_cast<uint32_t>(bytes << (32 - shift));
+}
+
+void pack(uint32_t* block, size_t position, const uint8_t* data, size_t size) {
+  if (size > 8) {
+    const size_t head = -position % 4;
+    if (head != 0) pack_few(block, position, data, head);
+    size_t i = head;
+    for (position += head; size - i >= sizeof(Quad); i += sizeof(Quad), position += sizeof(Quad)) {
+      const Quad words = load_swapped(data + i);
+      memcpy(block + position / 4, &words, sizeof words);
+    }
+    for (; size - i >= 4; i += 4, position += 4) block[position / 4] = load_be32(data + i);
+    data += i;
+    size -= i;
+  }
+  if (size != 0) pack_few(block, position, data, size);
+}
+
+// Words were stored one by one and are loaded so: a load of four would wait for the stores to leave
+// the processor.
 void unpack(uint8_t* bytes, const uint32_t* block) {
   for (int i = 0; i < 16; i += 4) {
-    const Quad words = load_swapped(block + i);
+    const volatile uint32_t* const at = block + i;
+    const Quad loaded = {at[0], at[1], at[2], at[3]};
+    const Quad words = load_swapped(&loaded);
     memcpy(bytes + 4 * i, &words, sizeof words);
   }
 }
@@ -104,9 +131,10 @@ void start(Sha256Ctx* ctx) {
   memset(ctx->bitCount, 0, sizeof ctx->bitCount);
 }
 
-void append(Sha256Ctx* ctx, const uint8_t* data, size_t size) {
-  size_t position = block_position(ctx);
-  add_to_count(ctx, size);
+namespace {
+
+// From the block position before the data, which is counted already.
+void append_at(Sha256Ctx* ctx, size_t position, const uint8_t* data, size_t size) {
   if (position != 0) {
     const size_t taken = std::min(size, kSha256BlockSize - position);
     pack(ctx->block, position, data, taken);
@@ -121,6 +149,18 @@ void append(Sha256Ctx* ctx, const uint8_t* data, size_t size) {
     data += num_blocks * kSha256BlockSize;
   }
   pack(ctx->block, 0, data, size % kSha256BlockSize);
+}
+
+}  // namespace
+
+void append(Sha256Ctx* ctx, const uint8_t* data, size_t size) {
+  const size_t position = block_position(ctx);
+  add_to_count(ctx, size);
+  if (size - 1 < 8 && position + size < kSha256BlockSize) {  // small pieces pass few tests
+    pack_few(ctx->block, position, data, size);
+  } else {
+    append_at(ctx, position, data, size);
+  }
 }
 
 // The end of the message is put together as bytes: out of the words, or of the data when no word is
