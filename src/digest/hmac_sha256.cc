@@ -82,19 +82,23 @@ extern "C" {
 
 void hmac_sha256_initialize(HmacSha256Ctx* ctx, const unsigned char* key, int keyLen) {
   start(ctx, key, keyLen);
+  plx::wipe_spilled_words();
 }
 
 void hmac_sha256_update(HmacSha256Ctx* ctx, const unsigned char* data, unsigned int len) {
   packed::append(&ctx->sha, data, len);
+  plx::wipe_spilled_words();
 }
 
 void hmac_sha256_finalize(HmacSha256Ctx* ctx, const unsigned char* data, unsigned int len) {
   finish(ctx, data, len);
+  plx::wipe_spilled_words();
 }
 
 int hmac_sha256_get(unsigned char out[32], const unsigned char* data, unsigned int dataLen,
                     const unsigned char* key, int keyLen) {
   hash_at_once(out, data, dataLen, key, keyLen);
+  plx::wipe_spilled_words();
   return static_cast<int>(kSha256DigestSize);
 }
 

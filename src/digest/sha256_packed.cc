@@ -205,10 +205,12 @@ void sha256_initialize(Sha256Ctx* ctx) { plx::digest::packed::start(ctx); }
 
 void sha256_update(Sha256Ctx* ctx, const unsigned char* data, unsigned int len) {
   plx::digest::packed::append(ctx, data, len);
+  plx::wipe_spilled_words();
 }
 
 void sha256_finalize(Sha256Ctx* ctx, const unsigned char* data, unsigned int len) {
   plx::digest::packed::finish(ctx, data, len);
+  plx::wipe_spilled_words();
 }
 
 void sha256_get(unsigned char out[32], const unsigned char* data, unsigned int len) {
@@ -217,6 +219,7 @@ void sha256_get(unsigned char out[32], const unsigned char* data, unsigned int l
   plx::digest::packed::finish(&ctx, data, len);
   memcpy(out, ctx.hash, sizeof ctx.hash);
   plx::wipe(&ctx, sizeof ctx);
+  plx::wipe_spilled_words();
 }
 
 }  // extern "C"

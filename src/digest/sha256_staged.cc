@@ -130,6 +130,7 @@ void hash(uint8_t* digest, const uint8_t* data, size_t size) {
   append(&ctx, data, size);
   finish(&ctx, digest);
   wipe(&ctx, sizeof ctx);
+  wipe_spilled_words();
 }
 
 }  // namespace plx::digest::staged
@@ -140,10 +141,12 @@ void Sha256_Init(Sha256Context* ctx) { plx::digest::staged::start(ctx); }
 
 void Sha256_Update(Sha256Context* ctx, const unsigned char* data, unsigned int len) {
   plx::digest::staged::append(ctx, data, len);
+  plx::wipe_spilled_words();
 }
 
 void Sha256_Final(Sha256Context* ctx, unsigned char digest[32]) {
   plx::digest::staged::finish(ctx, digest);
+  plx::wipe_spilled_words();
 }
 
 unsigned char* SHA256(const unsigned char* data, size_t len, unsigned char* md) {
