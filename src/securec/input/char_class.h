@@ -48,15 +48,18 @@ inline bool is_space(wchar_t c) {
   return iswspace(static_cast<wint_t>(c)) != 0;
 }
 
+// The top bit of every character of a word up to ' ', and perhaps of others behind the first.
+inline size_t space_candidates(size_t word) {
+  constexpr size_t kOnes = ~size_t{0} / 0xFF;
+  return (word - kOnes * 0x21) & ~word & kOnes * 0x80;
+}
+
 // The first white space. Several characters at a time are seen to have none.
 inline const char* find_space(const char* at, const char* end) {
-  using Word = size_t;
-  constexpr Word kOnes = ~Word{0} / 0xFF;
-  while (static_cast<size_t>(end - at) >= sizeof(Word)) {
-    Word word;
+  while (static_cast<size_t>(end - at) >= sizeof(size_t)) {
+    size_t word;
     memcpy(&word, at, sizeof word);
-    // The top bit of every character up to ' ', and perhaps of others behind the first.
-    const Word candidates = (word - kOnes * 0x21) & ~word & kOnes * 0x80;
+    const size_t candidates = space_candidates(word);
     if (candidates == 0) {
       at += sizeof word;
       continue;
