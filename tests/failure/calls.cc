@@ -507,7 +507,7 @@ const std::vector<Call> kCalls = {
     {"PLX_3des_decrypt", crypt_des<PLX_3des_decrypt>},
     {"PLX_md5_encoder_file", digest_file<PLX_md5_encoder_file, 32>},
     {"PLX_sha256_encoder_file", digest_file<PLX_sha256_encoder_file, 64>},
-    {"stunHMAC", hash_stun, false, true},
+    {"stunHMAC", hash_stun},
     {"PLX_AesEncryByMode", encrypt_record},
     {"PLX_AesDecryByMode", decrypt_record},
     {"PLX_AesEncryInit_ex", init_context<PLX_AesEncryInit_ex>},

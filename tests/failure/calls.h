@@ -18,8 +18,6 @@ struct Call {
   Answer (*run)();
   // Memory failing may give kDone or kPassedOver; libcrypto's or the platform's steps always may.
   bool bears_short_memory = false;
-  // libcrypto itself crashes when it is set up without memory by the function that this one calls.
-  bool libcrypto_crashes = false;
 };
 
 extern const std::vector<Call> kCalls;
