@@ -2,8 +2,6 @@
 #include <limits.h>
 #include <plx/container.h>
 
-#include <algorithm>
-#include <random>
 #include <string>
 #include <vector>
 
@@ -18,18 +16,6 @@ std::vector<std::string> contents(const StringArray& array) {
     texts.push_back(array.entries[i] != nullptr ? array.entries[i] : "(null)");
   }
   return texts;
-}
-
-// A push_back whose growth loses the entries; the test frees them, for nobody else does.
-int push_back(StringArray* array, const char* text) {
-  char* held[600];
-  const int size = array->size;
-  std::copy_n(array->entries, size, held);
-  const int code = array->push_back(text);
-  for (int i = 0; i < size; ++i) {
-    if (array->entries[i] != held[i]) delete[] held[i];
-  }
-  return code;
 }
 
 TEST(StringArray, RefusesNullAndFullCapacity) {
@@ -51,38 +37,8 @@ TEST(StringArray, RefusesNullAndFullCapacity) {
   EXPECT_EQ(std::vector<std::string>{"kept"}, contents(array));
 }
 
-// The first allocation is the slots, the 18th those of the growth from 16 to 32, the 20th that of
-// the replacement; the others are copies of the text.
-TEST(StringArray, EveryAllocationFailingOnce) {
-  for (size_t fail_at = 1; fail_at <= 21; ++fail_at) {
-    SCOPED_TRACE(fail_at);
-    plx_test::AllocationFault fault(fail_at);
-    {
-      StringArray array;
-      int refused = 0;
-      while (array.size < 17) {
-        const int size = array.size;
-        refused += push_back(&array, "text") == 0 ? 1 : 0;
-        if (array.size == size) continue;
-        ASSERT_EQ(size + 1, array.size);
-        ASSERT_STREQ("text", array.entries[size]);
-      }
-      EXPECT_EQ(fail_at <= 19 ? 1 : 0, refused);
-      // A growth that failed has raised the capacity, and the next one doubles that. Where the 16
-      // entries then fit the misread size of the copy, they are kept.
-      EXPECT_EQ(fail_at == 18 ? 64 : 32, array.capacity);
-      const bool kept = fail_at == 1 || (fail_at == 18 && 16 * sizeof(char*) <= 64);
-      EXPECT_EQ(kept, array.entries[0] != nullptr);
-      EXPECT_EQ(kept, array.entries[15] != nullptr);
-      array.setEntry(16, "other");
-      EXPECT_STREQ(fail_at == 20 ? "text" : "other", array.entries[16]);
-      EXPECT_EQ(fail_at <= 20, fault.hit());
-    }
-    EXPECT_EQ(0, fault.live_blocks());
-  }
-}
-
-// While growth keeps failing the capacity keeps rising, and the old block keeps its size.
+// While growth keeps failing the capacity keeps rising, and the old block keeps its size. Programs
+// in which single growths fail are in fuzz/container/string_array.cc.
 TEST(StringArray, GrowthFailingForGood) {
   StringArray array;
   for (int i = 0; i < 16; ++i) ASSERT_EQ(1, array.push_back("text"));

@@ -1,4 +1,5 @@
-// The helpers' images, byte by byte: what is written, and what is left alone.
+// The helpers' oddities and refusals, byte by byte: what is written, and what is left alone.
+// fuzz/container/text.cc holds them to models.
 #include <gtest/gtest.h>
 #include <limits.h>
 #include <plx/container.h>
@@ -19,16 +20,12 @@ TEST(Text, Trim) {
     std::string before, after;
   };
   const Row rows[] = {
-      {bytes("\0"), bytes("\0")},
-      {bytes("ab\0"), bytes("ab\0")},
       {bytes("ab\t\n\0"), bytes("ab\0\n\0")},
       {bytes("  ab\0"), bytes("ab\0b\0")},
       {bytes("   a b\0"), bytes("a b\0 b\0")},
-      {bytes("\r\n\t ab c\r\0"), bytes("ab c\0b c\r\0")},
       // Too little white space in front of the text: callers depend on the empty result.
       {bytes(" abc\0"), bytes("\0\0\0\0\0")},
       {bytes("  abc  \0"), bytes("\0\0\0\0c  \0")},
-      {bytes("   \0"), bytes("\0  \0")},
       {bytes("\f\v ab\0"), bytes("\f\v ab\0")},
       {bytes("\xA0 \0"), bytes("\xA0\0\0")},
   };
@@ -61,22 +58,12 @@ TEST(Text, GetStrValue) {
   const Row rows[] = {
       {"name=\"box\",id=7", "name", 8, bytes("box....\0")},
       {"name=\"box\",id=7", "id", 8, bytes("\0.......")},  // no comma: callers depend on it
-      {"id=7,", "id", 8, bytes("7......\0")},
       {"id= \t\r\n==7 8,9", "id", 8, bytes("7 8....\0")},
       {"id \"a,b\"", "id", 8, bytes("a,b....\0")},
-      {"id\"a\"", "id", 8, bytes("a......\0")},
-      {"id=\"a", "id", 8, bytes("\0.......")},
-      {"id\"", "id", 8, bytes("\0.......")},
-      {"id=\"\",", "id", 8, bytes("\0......\0")},
-      {"id=,x", "id", 8, bytes("\0......\0")},
-      {"id", "id", 8, bytes("\0.......")},
-      {"id == ", "id", 8, bytes("\0.......")},
       {"idle=1,id=2,", "id", 8, bytes("le=1...\0")},  // inside a longer word, and the first one
       {"ID=1,", "id", 8, bytes("\0.......")},
       {"a,", "", 8, bytes("a......\0")},
-      {"id=abcdefghij,", "id", 8, bytes("abcdefg\0")},
       {"id=abcdefghij,", "id", 4, bytes("abc\0....")},
-      {"id=abc,", "id", 1, bytes("\0.......")},
       {"id=abc,", "id", 0, bytes("........")},
       {nullptr, "id", 8, bytes("........")},
       {"id=1,", nullptr, 8, bytes("........")},
@@ -97,17 +84,10 @@ TEST(Text, GetFirstString) {
   };
   const Row rows[] = {
       {"  hello world", 13, 4, bytes("hel\0....")},
-      {"  hello world", 13, 8, bytes("hello\0..")},
       {"  hello world", 4, 8, bytes("he\0.....")},
       {"  hello world", 2, 8, bytes("........")},
-      {"hello", 5, 6, bytes("hello\0..")},
-      {"hello", 5, 5, bytes("hell\0...")},
-      {"hello", 5, 2, bytes("h\0......")},
       {"hello", 5, 1, bytes("........")},
-      {"hello", 5, 0, bytes("........")},
       {"hello", 5, INT_MIN, bytes("........")},
-      {"hello", 0, 8, bytes("........")},
-      {"hello", -1, 8, bytes("........")},
       {"hello", INT_MIN, 8, bytes("........")},
       {"\t\n\f\r\b a\vb\b", 10, 8, bytes("a\vb\0....")},
       {bytes(" \0b c"), 5, INT_MAX, bytes("\0b\0.....")},  // a zero byte is part of a word
@@ -142,16 +122,9 @@ TEST(Text, RemoveCharacter) {
       {"\xFF"
        "a",
        -1, 8, bytes("\0......."), bytes("a\0......")},
-      {"", 'x', 8, bytes("xy\0....."), bytes("\0y\0.....")},
-      {",,a,,", ',', 8, bytes("x\0......"), bytes("xa\0.....")},
-      {",", ',', 8, bytes("x\0......"), bytes("x\0......")},
-      {"a,", ',', 2, bytes("\0......."), bytes("a\0......")},
-      {"abc", 'x', 3, bytes("xy\0....."), bytes("\0y\0.....")},
       // What does not fit empties the text, and the next piece is appended to that.
       {"abcd,e", ',', 3, bytes("\0......."), bytes("e\0c.....")},
       {"a,b,cd", ',', 3, bytes("\0......."), bytes("\0bc.....")},
-      {"a,b", ',', 2, bytes("........"), bytes("b\0......")},
-      {",b", ',', 2, bytes("........"), bytes("b\0......")},
   };
   for (const Row& row : rows) {
     std::string image = row.before;
