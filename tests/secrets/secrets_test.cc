@@ -35,7 +35,8 @@ Sha256Context staged_context;
 Sha256Ctx packed_context;
 char sealed_by_key[200], sealed_by_stb_key[200], sealed_by_box_key[200];
 unsigned char blob[100], cipher_text[32];
-int blob_size;
+int blob_size, size_in_and_out;
+constexpr int kPlainSize = sizeof kPlain - 1;
 char requests[8][400];
 tagAes record;
 alignas(CCipher) unsigned char room_for_cipher[sizeof(CCipher)];
@@ -43,6 +44,7 @@ alignas(CCipher) unsigned char room_for_cipher[sizeof(CCipher)];
 unsigned char* key() { return reinterpret_cast<unsigned char*>(const_cast<char*>(kKeyText)); }
 const unsigned char* plain() { return reinterpret_cast<const unsigned char*>(kPlain); }
 char* text_output() { return reinterpret_cast<char*>(output + 1); }
+int length(const char* text) { return static_cast<int>(strlen(text)); }
 
 template <typename Context>
 void schedule_secret(const char* name, Context& ctx) {
@@ -56,8 +58,8 @@ void masked_secret(const char* name, std::string block, char mask) {
   add_secret(name, block.data(), block.size());
 }
 
-void write_request(int i, const char* members) {
-  snprintf(requests[i], sizeof requests[i], "{%s}", members);
+void write_request(int i, const std::string& members) {
+  snprintf(requests[i], sizeof requests[i], "{%s}", members.c_str());
 }
 
 void prepare(KeyFiles* files) {
@@ -67,12 +69,11 @@ void prepare(KeyFiles* files) {
   for (size_t i = 0; i < sizeof data; ++i) data[i] = static_cast<unsigned char>(i * 31 >> 3);
   PLX_des_setKey(&single, key());
   PLX_3des_set3keys(&triple, key(), key() + 8, key() + 16);
-  const int size = static_cast<int>(strlen(kPlain));
-  PLX_aesCbcEncryptByKey(plain(), size, sealed_by_key, 200, key(), AES_CBC_128);
-  PLX_aesCbcEncrypt(plain(), size, sealed_by_stb_key, 200);
-  PLX_aesCbcEncryptByRandomKey(plain(), size, sealed_by_box_key, 200);
+  PLX_aesCbcEncryptByKey(plain(), kPlainSize, sealed_by_key, 200, key(), AES_CBC_128);
+  PLX_aesCbcEncrypt(plain(), kPlainSize, sealed_by_stb_key, 200);
+  PLX_aesCbcEncryptByRandomKey(plain(), kPlainSize, sealed_by_box_key, 200);
   blob_size = 80;
-  CCipher::EncryptData(plain(), size, blob, blob_size, key(), AES_CBC_128);
+  CCipher::EncryptData(plain(), kPlainSize, blob, blob_size, key(), AES_CBC_128);
   record.iMode = 1, record.iKeyBits = 128;
   memcpy(record.szKey, kKeyText, 16);
   record.pszText = const_cast<char*>(kPlain);
@@ -81,22 +82,21 @@ void prepare(KeyFiles* files) {
   const std::string rest = "\"paddingMode\":\"PKCS5Padding\",\"IVPrefix\":\"\"";
   const std::string prefix12 = "\"cipherPrefix\":\"" + std::string(kKeyText, 12) + "\",";
   const std::string text = std::string(",\"plainText\":\"") + kPlain + "\"";
-  write_request(0, ("\"cipherSize\":128," + prefix12 + rest + text).c_str());
-  write_request(1, ("\"cipherSize\":128," + rest + text).c_str());  // the stored key
+  const std::string second =
+      ",{\"cipherPrefix\":\"" + std::string(kKeyText + 12, 12) + "\\u0041\"}";
+  write_request(0, "\"cipherSize\":128," + prefix12 + rest + text);
+  write_request(1, "\"cipherSize\":128," + rest + text);  // the stored key
   // Refused: the size, the padding, the prefix's length, the document, a second prefix.
-  write_request(2, (prefix12 + "\"cipherSize\":129," + rest + text).c_str());
-  write_request(3, (prefix12 + "\"cipherSize\":128" + text).c_str());
-  write_request(4, ("\"cipherSize\":192," + prefix12 + rest + text).c_str());
-  write_request(5, (prefix12 + "\"cipherSize\":128" + text + ",\"x\":,").c_str());
-  write_request(6,
-                ("\"in\":[{" + prefix12 + "\"y\":1},{\"cipherPrefix\":\"" +
-                 std::string(kKeyText + 12, 12) + "\\u0041\"}],\"cipherSize\":128," + rest + text)
-                    .c_str());
+  write_request(2, prefix12 + "\"cipherSize\":129," + rest + text);
+  write_request(3, prefix12 + "\"cipherSize\":128" + text);
+  write_request(4, "\"cipherSize\":192," + prefix12 + rest + text);
+  write_request(5, prefix12 + "\"cipherSize\":128" + text + ",\"x\":,");
+  write_request(
+      6, "\"in\":[{" + prefix12 + "\"y\":1}" + second + "],\"cipherSize\":128," + rest + text);
   memset(output, 0, sizeof output);
   PLX_AesEncry(requests[0], text_output());
-  write_request(
-      7, ("\"cipherSize\":128," + prefix12 + rest + ",\"cipherText\":\"" + text_output() + "\"")
-             .c_str());
+  const std::string digits = text_output();
+  write_request(7, "\"cipherSize\":128," + prefix12 + rest + ",\"cipherText\":\"" + digits + "\"");
 
   add_secret("factor", kFactor.data(), 16);
   add_secret("key", kKeyText, strlen(kKeyText));
@@ -154,13 +154,16 @@ struct Case {
   const char* name;
   void (*call)();
 };
+#define CALL(...)                                          \
+  {                                                        \
+#__VA_ARGS__, [] { static_cast<void>((__VA_ARGS__)); } \
+  }
+const char kBase64OfKey[] = "a1Y3I3BRMnchelI5QG1YNHRMczgmY0Qx";
 
 template <size_t kCount>
 void run_cases(const Case (&cases)[kCount]) {
   size_t libcrypto = 0;
-  for (const Case& row : cases) {
-    libcrypto += expect_nothing_left(row.name, row.call);
-  }
+  for (const Case& row : cases) libcrypto += expect_nothing_left(row.name, row.call);
   printf("left by libcrypto's own functions: %zu\n", libcrypto);
 }
 
@@ -182,53 +185,41 @@ TEST(Secrets, TheDetectorSees) {
 
 TEST(Secrets, Digests) {
   const Case cases[] = {
-      {"hmac_sha256_get", [] { hmac_sha256_get(output, data, 100, key(), 24); }},
-      {"with a long key", [] { hmac_sha256_get(output, data, 100, long_key, 100); }},
-      {"hmac_sha256_initialize", [] { hmac_sha256_initialize(&hmac, key(), 24); }},
-      {"with a long key", [] { hmac_sha256_initialize(&hmac, long_key, 100); }},
-      {"hmac_sha256_update", [] { hmac_sha256_update(&hmac, key(), 24); }},
-      {"hmac_sha256_finalize", [] { hmac_sha256_finalize(&hmac, data, 100); }},
-      {"SHA256", [] { SHA256(key(), 24, output); }},
-      {"of more than a block", [] { SHA256(long_key, 100, output); }},
-      {"sha256_get", [] { sha256_get(output, key(), 24); }},
-      {"of more than a block", [] { sha256_get(output, long_key, 100); }},
-      {"Sha256_Update",
-       [] {
-         Sha256_Init(&staged_context);
-         Sha256_Update(&staged_context, long_key, 100);
-         Sha256_Update(&staged_context, key(), 24);
-         Sha256_Final(&staged_context, output);
-       }},
-      {"sha256_update",
-       [] {
-         sha256_initialize(&packed_context);
-         sha256_update(&packed_context, long_key, 100);
-         sha256_update(&packed_context, key(), 24);
-         sha256_finalize(&packed_context, key(), 24);
-       }},
-      {"PLX_sha256_encoder_buf", [] { PLX_sha256_encoder_buf(key(), 24, text_output(), 65); }},
-      {"PLX_md5_encoder_buf", [] { PLX_md5_encoder_buf(key(), 24, text_output(), 33); }},
-      {"PLX_md5_encode", [] { PLX_md5_encode(kKeyText, kWorkKey); }},
-      {"PLX_md5_163encode", [] { PLX_md5_163encode(kKeyText); }},
-      {"stunHMAC", [] { stunHMAC(output, data, 100, kKeyText, 24); }},
-      {"PLX_b64_encode", [] { PLX_b64_encode(key(), 24, text_output(), 100); }},
-      {"PLX_b64_decode", [] { PLX_b64_decode("a1Y3I3BRMnchelI5QG1YNHRMczgmY0Qx", 32, output); }},
-      {"PLX_base64UrlEncoder",
-       [] { static_cast<void>(PLX_base64UrlEncoder(text_output(), 100, key(), 23)); }},
-      {"PLX_base64UrlDecode",
-       [] { PLX_base64UrlDecode(output, 100, "a1Y3I3BRMnchelI5QG1YNHRMczgmY0Qx", 31); }},
+      CALL(hmac_sha256_get(output, data, 100, key(), 24)),
+      CALL(hmac_sha256_get(output, data, 100, long_key, 100)),
+      CALL(hmac_sha256_initialize(&hmac, key(), 24)),
+      CALL(hmac_sha256_initialize(&hmac, long_key, 100)),
+      CALL(hmac_sha256_update(&hmac, key(), 24)),
+      CALL(hmac_sha256_finalize(&hmac, data, 100)),
+      CALL(SHA256(key(), 24, output)),
+      CALL(SHA256(long_key, 100, output)),
+      CALL(sha256_get(output, key(), 24)),
+      CALL(sha256_get(output, long_key, 100)),
+      CALL(Sha256_Init(&staged_context), Sha256_Update(&staged_context, long_key, 100),
+           Sha256_Update(&staged_context, key(), 24), Sha256_Final(&staged_context, output)),
+      CALL(sha256_initialize(&packed_context), sha256_update(&packed_context, long_key, 100),
+           sha256_update(&packed_context, key(), 24), sha256_finalize(&packed_context, key(), 24)),
+      CALL(PLX_sha256_encoder_buf(key(), 24, text_output(), 65)),
+      CALL(PLX_md5_encoder_buf(key(), 24, text_output(), 33)),
+      CALL(PLX_md5_encode(kKeyText, kWorkKey)),
+      CALL(PLX_md5_163encode(kKeyText)),
+      CALL(stunHMAC(output, data, 100, kKeyText, 24)),
+      CALL(PLX_b64_encode(key(), 24, text_output(), 100)),
+      CALL(PLX_b64_decode(kBase64OfKey, 32, output)),
+      CALL(PLX_base64UrlEncoder(text_output(), 100, key(), 23)),
+      CALL(PLX_base64UrlDecode(output, 100, kBase64OfKey, 31)),
   };
   run_cases(cases);
 }
 
 TEST(Secrets, TripleDes) {
   const Case cases[] = {
-      {"PLX_des_setKey", [] { PLX_des_setKey(&single, key()); }},
-      {"PLX_3des_set2keys", [] { PLX_3des_set2keys(&triple, key(), key() + 8); }},
-      {"PLX_3des_set3keys", [] { PLX_3des_set3keys(&triple, key(), key() + 8, key() + 16); }},
-      {"PLX_3des_encrypt of text", [] { PLX_3des_encrypt(&triple, plain(), output, 20); }},
-      {"PLX_3des_encrypt of much", [] { PLX_3des_encrypt(&triple, data, output, sizeof data); }},
-      {"PLX_3des_decrypt of much", [] { PLX_3des_decrypt(&triple, data, output, sizeof data); }},
+      CALL(PLX_des_setKey(&single, key())),
+      CALL(PLX_3des_set2keys(&triple, key(), key() + 8)),
+      CALL(PLX_3des_set3keys(&triple, key(), key() + 8, key() + 16)),
+      CALL(PLX_3des_encrypt(&triple, plain(), output, 20)),
+      CALL(PLX_3des_encrypt(&triple, data, output, sizeof data)),
+      CALL(PLX_3des_decrypt(&triple, data, output, sizeof data)),
   };
   run_cases(cases);
   // The tables' registers are swept away by their caller, see above.
@@ -244,101 +235,51 @@ TEST(Secrets, TripleDes) {
 
 TEST(Secrets, KeyStore) {
   const Case cases[] = {
-      {"a vector", [] { getVectorForInitKeyByIndex(4, output, 16); }},
-      {"getInitVector", [] { getInitVector(output, 16); }},
-      {"CCipher", [] { new (room_for_cipher) CCipher; }},
-      {"getFactorByIndex", [] { static_cast<void>(getFactorByIndex(0, output, 16)); }},
-      {"DeriveInitKeyByIndex", [] { static_cast<void>(DeriveInitKeyByIndex(0, output, 16)); }},
-      {"getPlainWorkKeyByName",
-       [] { static_cast<void>(getPlainWorkKeyByName("aes_prefix_key", text_output(), 100)); }},
-      {"without room",
-       [] { static_cast<void>(getPlainWorkKeyByName("aes_prefix_key", text_output(), 16)); }},
-      {"without file",
-       [] { static_cast<void>(getPlainWorkKeyByName("whitelist_key", text_output(), 100)); }},
-      {"CCipher::DeriveInitKey",
-       [] {
-         static_cast<void>(reinterpret_cast<CCipher*>(room_for_cipher)
-                               ->DeriveInitKey("nRfiS4bxPAWqWMcgfpHUbw==", output));
-       }},
-      {"CCipher::deriveKey",
-       [] { static_cast<void>(CCipher::deriveKey(kKeyText, 24, data, 16, 2, 16, output)); }},
-      {"CCipher::Base64", [] { static_cast<void>(CCipher::Base64(key(), 24)); }},
-      {"CCipher::UnBase64",
-       [] {
-         static int size;
-         static_cast<void>(CCipher::UnBase64("a1Y3I3BRMnchelI5QG1YNHRMczgmY0Qx", 32, &size));
-       }},
-      {"printUnsignedCharArray", [] { printUnsignedCharArray(kKeyText, key(), 24); }},
+      CALL(getVectorForInitKeyByIndex(4, output, 16)),
+      CALL(getInitVector(output, 16)),
+      CALL(new (room_for_cipher) CCipher),
+      CALL(getFactorByIndex(0, output, 16)),
+      CALL(DeriveInitKeyByIndex(0, output, 16)),
+      CALL(getPlainWorkKeyByName("aes_prefix_key", text_output(), 100)),
+      CALL(getPlainWorkKeyByName("aes_prefix_key", text_output(), 16)),  // without room
+      CALL(getPlainWorkKeyByName("whitelist_key", text_output(), 100)),  // without file
+      CALL(reinterpret_cast<CCipher*>(room_for_cipher)
+               ->DeriveInitKey("nRfiS4bxPAWqWMcgfpHUbw==", output)),
+      CALL(CCipher::deriveKey(kKeyText, 24, data, 16, 2, 16, output)),
+      CALL(CCipher::Base64(key(), 24)),
+      CALL(CCipher::UnBase64(kBase64OfKey, 32, &size_in_and_out)),
+      CALL(printUnsignedCharArray(kKeyText, key(), 24)),
   };
   run_cases(cases);
 }
 
-#define REQUEST(i) [] { static_cast<void>(PLX_AesEncry(requests[i], text_output())); }
-
 TEST(Secrets, Aes) {
-  static const int kSize = static_cast<int>(strlen(kPlain));
   const Case cases[] = {
-      {"PLX_AesEncryByMode",
-       [] { static_cast<void>(PLX_AesEncryByMode(&record, text_output(), 100)); }},
-      {"PLX_AesDecryByMode",
-       [] {
-         static_cast<void>(PLX_AesDecryByMode(&record, reinterpret_cast<char*>(cipher_text), 32,
-                                              text_output(), 100));
-       }},
-      {"CCipher::EncryptData",
-       [] {
-         static int size;
-         size = 80;
-         static_cast<void>(CCipher::EncryptData(plain(), kSize, output, size, key(), AES_CBC_128));
-       }},
-      {"CCipher::DecryptData",
-       [] {
-         static int size;
-         size = 80;
-         static_cast<void>(CCipher::DecryptData(blob, blob_size, output, size, key(), AES_CBC_128));
-       }},
-      {"PLX_aesCbcEncryptByKey",
-       [] {
-         static_cast<void>(
-             PLX_aesCbcEncryptByKey(plain(), kSize, text_output(), 200, key(), AES_CBC_128));
-       }},
-      {"PLX_aesCbcDecryptByKey",
-       [] {
-         static_cast<void>(PLX_aesCbcDecryptByKey(sealed_by_key,
-                                                  static_cast<int>(strlen(sealed_by_key)),
-                                                  text_output(), 200, key(), AES_CBC_128));
-       }},
-      {"without room",
-       [] {
-         static_cast<void>(PLX_aesCbcDecryptByKey(sealed_by_key,
-                                                  static_cast<int>(strlen(sealed_by_key)),
-                                                  text_output(), 20, key(), AES_CBC_128));
-       }},
-      {"PLX_aesCbcEncrypt",
-       [] {
-         g_WorkKey[0] = 0;
-         static_cast<void>(PLX_aesCbcEncrypt(plain(), kSize, text_output(), 200));
-       }},
-      {"PLX_aesCbcDecrypt",
-       [] {
-         static_cast<void>(PLX_aesCbcDecrypt(
-             sealed_by_stb_key, static_cast<int>(strlen(sealed_by_stb_key)), text_output(), 200));
-       }},
-      {"PLX_aesCbcEncryptByRandomKey",
-       [] { static_cast<void>(PLX_aesCbcEncryptByRandomKey(plain(), kSize, text_output(), 200)); }},
-      {"PLX_aesCbcDecryptByRandomKey",
-       [] {
-         static_cast<void>(PLX_aesCbcDecryptByRandomKey(
-             sealed_by_box_key, static_cast<int>(strlen(sealed_by_box_key)), text_output(), 200));
-       }},
-      {"PLX_AesEncry with a prefix", REQUEST(0)},
-      {"PLX_AesEncry with the stored key", REQUEST(1)},
-      {"PLX_AesEncry with no size", REQUEST(2)},
-      {"PLX_AesEncry without padding", REQUEST(3)},
-      {"PLX_AesEncry with a prefix of a wrong length", REQUEST(4)},
-      {"PLX_AesEncry of what is no document", REQUEST(5)},
-      {"PLX_AesEncry with two prefixes", REQUEST(6)},
-      {"PLX_AesDecry", [] { static_cast<void>(PLX_AesDecry(requests[7], text_output(), 200)); }},
+      CALL(PLX_AesEncryByMode(&record, text_output(), 100)),
+      CALL(PLX_AesDecryByMode(&record, reinterpret_cast<char*>(cipher_text), 32, text_output(),
+                              100)),
+      CALL(size_in_and_out = 80,
+           CCipher::EncryptData(plain(), kPlainSize, output, size_in_and_out, key(), AES_CBC_128)),
+      CALL(size_in_and_out = 80,
+           CCipher::DecryptData(blob, blob_size, output, size_in_and_out, key(), AES_CBC_128)),
+      CALL(PLX_aesCbcEncryptByKey(plain(), kPlainSize, text_output(), 200, key(), AES_CBC_128)),
+      CALL(PLX_aesCbcDecryptByKey(sealed_by_key, length(sealed_by_key), text_output(), 200, key(),
+                                  AES_CBC_128)),
+      CALL(PLX_aesCbcDecryptByKey(sealed_by_key, length(sealed_by_key), text_output(), 20, key(),
+                                  AES_CBC_128)),  // without room
+      CALL(g_WorkKey[0] = 0, PLX_aesCbcEncrypt(plain(), kPlainSize, text_output(), 200)),
+      CALL(PLX_aesCbcDecrypt(sealed_by_stb_key, length(sealed_by_stb_key), text_output(), 200)),
+      CALL(PLX_aesCbcEncryptByRandomKey(plain(), kPlainSize, text_output(), 200)),
+      CALL(PLX_aesCbcDecryptByRandomKey(sealed_by_box_key, length(sealed_by_box_key), text_output(),
+                                        200)),
+      CALL(PLX_AesEncry(requests[0], text_output())),
+      CALL(PLX_AesEncry(requests[1], text_output())),
+      CALL(PLX_AesEncry(requests[2], text_output())),
+      CALL(PLX_AesEncry(requests[3], text_output())),
+      CALL(PLX_AesEncry(requests[4], text_output())),
+      CALL(PLX_AesEncry(requests[5], text_output())),
+      CALL(PLX_AesEncry(requests[6], text_output())),
+      CALL(PLX_AesDecry(requests[7], text_output(), 200)),
   };
   run_cases(cases);
 }
