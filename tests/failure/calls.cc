@@ -13,10 +13,12 @@
 #include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
-#include <wchar.h>
 
+#include <algorithm>
 #include <string>
 
+#include "securec/input/scan.h"
+#include "securec/output/engines.h"
 #include "support/key_files.h"
 
 namespace plx_test {
@@ -26,7 +28,7 @@ using TRUX::CIPHER::CCipher;
 
 const char kPlain[] = "plain text";
 const char kWorkKey[] = "sixteen byte key";
-const unsigned char kKey[] = "0123456789abcdef";
+unsigned char kKey[] = "0123456789abcdef";  // no call changes it
 const unsigned char kZeros[16] = {};
 const std::string kFactor = "a 16-byte factor";
 
@@ -41,9 +43,10 @@ struct Expected {
 Expected* expected;
 FILE* hidden;  // takes what the library prints when it refuses
 
-const char kEncryption[] =
-    "{\"encryptMode\":\"CBC\",\"cipherSize\":128,\"paddingMode\":\"PKCS5Padding\","
-    "\"IVPrefix\":\"\",\"plainText\":\"plain text\"}";
+#define REQUEST(text)                                                             \
+  "{\"encryptMode\":\"CBC\",\"cipherSize\":128,\"paddingMode\":\"PKCS5Padding\"," \
+  "\"IVPrefix\":\"\"," text "}"
+const char kEncryption[] = REQUEST("\"plainText\":\"plain text\"");
 char decryption[300];
 
 Answer answer(bool done, bool refused, bool passed_over = false) {
@@ -101,18 +104,13 @@ Answer align_block() {
   return answer(result == 0, result != 0 && made == nullptr);
 }
 
-int insert_in_midst(PLX_array* array, void* element) { return PLX_array_insert(array, element, 3); }
-int modify_behind(PLX_array* array, void* element) { return PLX_array_modify(array, 32, element); }
-int make_room(PLX_array* array, void*) { return PLX_array_preAppend(array, 1); }
-
-template <int (*kGrow)(PLX_array*, void*)>
-Answer grow_array() {
+Answer grow_array(int (*grow)(PLX_array*, void*)) {
   static int element;
   PLX_array* array = PLX_array_create(nullptr);
   if (array == nullptr) return Answer::kRefused;
   bool filled = true;
   for (int i = 0; i < 32 && filled; ++i) filled = PLX_array_append(array, &element) == 0;
-  const int result = filled ? kGrow(array, &element) : -1;
+  const int result = filled ? grow(array, &element) : -1;
   const bool done = result == 0 && PLX_array_getIndex(array, 31) == &element;
   const bool refused = result == -1 && array->items == nullptr;
   PLX_array_destroyWithoutClean(array);
@@ -172,56 +170,38 @@ Answer parse_json() {
   return answer(done, root == nullptr);
 }
 
+// A format of either width, without a block of its own.
+template <typename Char>
+struct Format {
+  explicit Format(const char* ascii) { std::copy_n(ascii, strlen(ascii), text); }
+  Char text[16] = {};
+};
+
 // A float that finds no block prints nothing, and the rest follows.
+template <typename Char>
 Answer print_float() {
-  char out[400];
-  const int n = sprintf_s(out, sizeof out, "<%.300f>", 1.5);
-  return answer(n == 304, n == 2 && strcmp(out, "<>") == 0);
+  Char out[400];
+  const int n = Engine<Char>::ours(out, 400, Format<Char>("<%.300f>").text, 1.5);
+  return answer(n == 304, n == 2 && out[0] == '<' && out[1] == '>');
 }
 
-Answer print_wide_float() {
-  wchar_t out[400];
-  const int n = swprintf_s(out, 400, L"<%.300f>", 1.5);
-  return answer(n == 304, n == 2 && wcscmp(out, L"<>") == 0);
-}
-
-const char* long_number() {
-  static char text[1000];
-  if (text[0] == 0) memset(text, '1', sizeof text - 1);
-  return text;
-}
-
+template <typename Char>
 Answer scan_float() {
+  Char digits[1000] = {};
+  std::fill_n(digits, 999, '1');
   double value = 5;
-  const int n = sscanf_s(long_number(), "%800lf", &value);
+  const int n = Scan<Char>::kString(digits, Format<Char>("%800lf").text, &value);
   return answer(n == 1 && value > 1e100, (n == 0 || n == -1) && value == 5);
 }
 
-Answer scan_wide_float() {
-  static wchar_t text[1000];
-  if (text[0] == 0) wmemset(text, L'1', 999);
-  double value = 5;
-  const int n = swscanf_s(text, L"%800lf", &value);
-  return answer(n == 1 && value > 1e100, (n == 0 || n == -1) && value == 5);
-}
-
+template <typename Char>
 Answer scan_file() {
-  char text[] = "12 34";
-  FILE* file = fmemopen(text, 5, "r");
+  Char text[] = {'1', '2', ' ', '3', '4'};
+  FILE* file = fmemopen(text, sizeof text, "r");
   int first = 5, second = 5;
-  const int n = fscanf_s(file, "%d%d", &first, &second);
+  const int n = Scan<Char>::kFile(file, Format<Char>("%d%d").text, &first, &second);
   fclose(file);
   // A read that ends early ends the text there.
-  return answer(n == 2 && first == 12 && second == 34, n == -1 && first == 5,
-                n == 1 && (first == 12 || first == 1) && second == 5);
-}
-
-Answer scan_wide_file() {
-  wchar_t text[] = L"12 34";
-  FILE* file = fmemopen(text, 5 * sizeof *text, "r");
-  int first = 5, second = 5;
-  const int n = fwscanf_s(file, L"%d%d", &first, &second);
-  fclose(file);
   return answer(n == 2 && first == 12 && second == 34, n == -1 && first == 5,
                 n == 1 && (first == 12 || first == 1) && second == 5);
 }
@@ -353,21 +333,18 @@ Answer open_by_stored_key() {
 
 Answer seal_data() {
   Output out;
-  unsigned char key[17];
-  memcpy(key, kKey, sizeof key);
   int size = 43;
-  const int result = CCipher::EncryptData(bytes_of(kPlain), 10, out.data(), size, key, AES_CBC_128);
+  const int result =
+      CCipher::EncryptData(bytes_of(kPlain), 10, out.data(), size, kKey, AES_CBC_128);
   return answer(result == 1 && size == 32, result == 0 && out.untouched(),
                 result == 1 && size == 16);
 }
 
 Answer open_data() {
   Output out;
-  unsigned char key[17];
-  memcpy(key, kKey, sizeof key);
   int size = 100;
-  const int result =
-      CCipher::DecryptData(expected->blob, expected->blob_size, out.data(), size, key, AES_CBC_128);
+  const int result = CCipher::DecryptData(expected->blob, expected->blob_size, out.data(), size,
+                                          kKey, AES_CBC_128);
   return answer(result == 1 && size == 10 && out.holds(kPlain, 10), result == 0 && out.untouched(),
                 result == 1 && size == 0 && out.untouched());
 }
@@ -453,10 +430,8 @@ void make_expected() {
   PLX_aesCbcEncryptByKey(plain, 10, expected->sealed_by_key, 100, kKey, AES_CBC_128);
   PLX_aesCbcEncrypt(plain, 10, expected->sealed_by_stb_key, 100);
   PLX_aesCbcEncryptByRandomKey(plain, 10, expected->sealed_by_box_key, 100);
-  unsigned char key[17];
-  memcpy(key, kKey, sizeof key);
   expected->blob_size = 43;
-  CCipher::EncryptData(plain, 10, expected->blob, expected->blob_size, key, AES_CBC_128);
+  CCipher::EncryptData(plain, 10, expected->blob, expected->blob_size, kKey, AES_CBC_128);
   PLX_AesEncry(kEncryption, expected->request_out);
 }
 
@@ -475,10 +450,7 @@ void prepare_calls() {
   }
   int status;
   if (child < 0 || waitpid(child, &status, 0) != child || status != 0) abort();
-  snprintf(decryption, sizeof decryption,
-           "{\"encryptMode\":\"CBC\",\"cipherSize\":128,\"paddingMode\":\"PKCS5Padding\","
-           "\"IVPrefix\":\"\",\"cipherText\":\"%s\"}",
-           expected->request_out);
+  snprintf(decryption, sizeof decryption, REQUEST("\"cipherText\":\"%s\""), expected->request_out);
 }
 
 const std::vector<Call> kCalls = {
@@ -488,21 +460,24 @@ const std::vector<Call> kCalls = {
     {"PLX_reallocMem", replace_block},
     {"PLX_realloc", grow_block},
     {"PLX_posix_memalign", align_block},
-    {"PLX_array_append", grow_array<PLX_array_append>},
-    {"PLX_array_insert", grow_array<insert_in_midst>},
-    {"PLX_array_modify", grow_array<modify_behind>},
-    {"PLX_array_preAppend", grow_array<make_room>},
+    {"PLX_array_append", [] { return grow_array(PLX_array_append); }},
+    {"PLX_array_insert",
+     [] { return grow_array([](PLX_array* a, void* e) { return PLX_array_insert(a, e, 3); }); }},
+    {"PLX_array_modify",
+     [] { return grow_array([](PLX_array* a, void* e) { return PLX_array_modify(a, 32, e); }); }},
+    {"PLX_array_preAppend",
+     [] { return grow_array([](PLX_array* a, void*) { return PLX_array_preAppend(a, 1); }); }},
     {"PLX_array_createFromArray", copy_array},
     {"PLX_hashtable_create, PLX_hashtable_insert, PLX_array_createFromHashTable", fill_table},
     {"PLX_bufList_init", fill_buffer_list},
     {"StringArray", fill_string_array},
     {"PLX_ParseJsonString", parse_json},
-    {"sprintf_s", print_float},
-    {"swprintf_s", print_wide_float},
-    {"sscanf_s", scan_float},
-    {"swscanf_s", scan_wide_float},
-    {"fscanf_s", scan_file},
-    {"fwscanf_s", scan_wide_file},
+    {"sprintf_s", print_float<char>},
+    {"swprintf_s", print_float<wchar_t>},
+    {"sscanf_s", scan_float<char>},
+    {"swscanf_s", scan_float<wchar_t>},
+    {"fscanf_s", scan_file<char>},
+    {"fwscanf_s", scan_file<wchar_t>},
     {"PLX_3des_encrypt", crypt_des<PLX_3des_encrypt>},
     {"PLX_3des_decrypt", crypt_des<PLX_3des_decrypt>},
     {"PLX_md5_encoder_file", digest_file<PLX_md5_encoder_file, 32>},
