@@ -7,7 +7,7 @@
 #include <string>
 
 #include "bench/support.h"
-#include "json/sample_documents.h"
+#include "sample_documents.h"
 
 namespace {
 

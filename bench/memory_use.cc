@@ -19,7 +19,7 @@
 #include <string>
 #include <vector>
 
-#include "json/sample_documents.h"
+#include "sample_documents.h"
 
 // The C library's allocator under our count, for the library as well as for this program.
 extern "C" {

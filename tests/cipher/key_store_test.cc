@@ -1,4 +1,3 @@
-#include <dirent.h>
 #include <gtest/gtest.h>
 #include <limits.h>
 #include <plx/key_store.h>
@@ -9,6 +8,7 @@
 #include "cipher/key_store.h"
 #include "cipher/support.h"
 #include "support/key_files.h"
+#include "support/leaks.h"
 
 namespace {
 
@@ -18,14 +18,6 @@ using plx::cipher::load_work_key;
 
 const std::string kFactor = "a 16-byte factor", kMore = "a 16-byte factor and more";
 const std::string kTenMib(10 << 20, 'Q');
-
-size_t open_descriptors() {
-  size_t count = 0;
-  DIR* folder = opendir("/proc/self/fd");
-  while (readdir(folder) != nullptr) ++count;
-  closedir(folder);
-  return count;
-}
 
 TEST(KeyStore, Table) {
   std::string table;
@@ -70,7 +62,7 @@ TEST(KeyStore, Factor) {
       {"more room than can be had", text, INT_MAX, -1, ""},
   };
   KeyFiles files;
-  const size_t descriptors = open_descriptors();
+  const int descriptor = lowest_free_descriptor();
   for (const Row& row : rows) {
     SCOPED_TRACE(row.why);
     files.write_factor(1, row.file);
@@ -88,7 +80,7 @@ TEST(KeyStore, Factor) {
     EXPECT_EQ(-1, getFactorByIndex(1, bytes_of(out), 16));
   }
   EXPECT_EQ(std::string(16, '.'), out);
-  EXPECT_EQ(descriptors, open_descriptors());
+  EXPECT_EQ(descriptor, lowest_free_descriptor());
 }
 
 unsigned char* no_vector(unsigned char*, unsigned int) { return nullptr; }
@@ -175,7 +167,7 @@ TEST(KeyStore, WorkKey) {
       {"damaged padding", base64(damaged), 32, KeyFault::kWorkKeyNotOpened, ""},
       {"10 MiB", kTenMib, 32, KeyFault::kWorkKeyNotOpened, ""},
   };
-  const size_t descriptors = open_descriptors();
+  const int descriptor = lowest_free_descriptor();
   for (const Row& row : rows) {
     SCOPED_TRACE(row.why);
     const HostErrors errors;
@@ -199,7 +191,7 @@ TEST(KeyStore, WorkKey) {
   }
   g_stKeyMap[1].pszWorkKeyPath = path;
   EXPECT_STREQ("untouched", out);
-  EXPECT_EQ(descriptors, open_descriptors());
+  EXPECT_EQ(descriptor, lowest_free_descriptor());
 }
 
 TEST(KeyStore, EachKeyIsItsOwnAndOneIsTheBoxes) {

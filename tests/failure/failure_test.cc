@@ -13,6 +13,7 @@
 #include "failure/calls.h"
 #include "failure/faults.h"
 #include "support/allocation.h"
+#include "support/leaks.h"
 
 namespace {
 
@@ -38,19 +39,14 @@ void* crashed_at(const void* context) {
 #endif
 }
 
-// libcrypto crashes when it is set up without memory. A crash of ours ends the process by its signal.
+// libcrypto crashes when it is set up without memory. A crash of ours ends the process by its
+// signal.
 void on_crash(int, siginfo_t*, void* context) {
   Dl_info place;
   if (dladdr(crashed_at(context), &place) != 0 && strstr(place.dli_fname, "/libcrypto.so")) {
     _exit(kLibcryptoCrashed);
   }
   signal(SIGSEGV, SIG_DFL);
-}
-
-int lowest_free_descriptor() {
-  const int descriptor = dup(STDIN_FILENO);
-  close(descriptor);
-  return descriptor;
 }
 
 Run run_once(const Call& call, Step step, size_t fail_at, bool all_later) {

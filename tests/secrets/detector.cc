@@ -1,5 +1,6 @@
 #include "secrets/detector.h"
 
+#include <ctype.h>
 #include <malloc.h>
 #include <openssl/crypto.h>
 #include <openssl/evp.h>
@@ -15,6 +16,7 @@
 #include <map>
 
 #include "support/allocation.h"
+#include "support/judge.h"
 
 extern "C" {
 void* __real_malloc(size_t size);
@@ -172,15 +174,10 @@ void add_secret(const std::string& name, const void* data, size_t size) {
   const auto* bytes = static_cast<const unsigned char*>(data);
   const std::string text(bytes, bytes + size);
   add_pieces(name, text);
-  std::string reversed = text, lower, upper;
+  std::string reversed = text, lower = hex(text), upper = lower;
+  for (char& c : upper) c = static_cast<char>(toupper(c));
   for (size_t i = 0; i + 4 <= size; i += 4) std::reverse(&reversed[i], &reversed[i] + 4);
   add_pieces(name + " in reversed words", reversed);
-  for (size_t i = 0; i < size; ++i) {
-    for (const int nibble : {bytes[i] >> 4, bytes[i] & 15}) {
-      lower += "0123456789abcdef"[nibble];
-      upper += "0123456789ABCDEF"[nibble];
-    }
-  }
   add_pieces(name + " as hexadecimal text", lower);
   add_pieces(name + " as hexadecimal text", upper);
   std::string base64(4 * ((size + 2) / 3) + 1, '\0');

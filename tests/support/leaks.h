@@ -1,6 +1,8 @@
-// Blocks that are lost on purpose, where a sanitizer watches.
+// Blocks that are lost on purpose, where a sanitizer watches; and lost descriptors.
 #ifndef PLX_TESTS_SUPPORT_LEAKS_H
 #define PLX_TESTS_SUPPORT_LEAKS_H
+
+#include <unistd.h>
 
 #if defined(__SANITIZE_ADDRESS__)
 #define PLX_TESTS_UNDER_ASAN 1
@@ -28,6 +30,13 @@ class LeaksExpected {
   LeaksExpected(const LeaksExpected&) = delete;
   LeaksExpected& operator=(const LeaksExpected&) = delete;
 };
+
+// Another one than before when a descriptor was left open.
+inline int lowest_free_descriptor() {
+  const int descriptor = dup(STDIN_FILENO);
+  close(descriptor);
+  return descriptor;
+}
 
 }  // namespace plx_test
 
