@@ -1,4 +1,4 @@
-// Documents that the benchmarks share. All are RFC 8259 as well, so that other
+// Documents that the benchmarks and the tests share. All are RFC 8259 as well, so that other
 // readers take them.
 #ifndef PLX_BENCH_SAMPLE_DOCUMENTS_H
 #define PLX_BENCH_SAMPLE_DOCUMENTS_H
@@ -8,6 +8,16 @@
 #include <string>
 
 namespace plx_test {
+
+// {"k0":v,"k1":v,...} or [v,v,...]
+inline std::string container(size_t count, const std::string& value, bool is_object) {
+  std::string out(1, is_object ? '{' : '[');
+  for (size_t i = 0; i < count; ++i) {
+    if (is_object) out += "\"k" + std::to_string(i) + "\":";
+    out += value + (i + 1 < count ? "," : "");
+  }
+  return out + (is_object ? '}' : ']');
+}
 
 // A cipher request of some 200 bytes.
 inline std::string sample_request() {

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "bench/sample_documents.h"
 #include "fuzz/json_model.h"
 #include "json/tree_text.h"
 #include "support/allocation.h"
@@ -16,19 +17,10 @@
 namespace {
 
 using plx_test::AllocationFault;
+using plx_test::container;
 using plx_test::Guarded;
 using plx_test::Model;
 using plx_test::tree_text;
-
-// {"k0":v,"k1":v,...} or [v,v,...]
-std::string container(size_t count, const std::string& value, bool is_object) {
-  std::string out(1, is_object ? '{' : '[');
-  for (size_t i = 0; i < count; ++i) {
-    if (is_object) out += "\"k" + std::to_string(i) + "\":";
-    out += value + (i + 1 < count ? "," : "");
-  }
-  return out + (is_object ? '}' : ']');
-}
 
 struct Outcome {
   std::string tree;
