@@ -39,8 +39,6 @@ if(CMAKE_BUILD_TYPE MATCHES "Rel" AND NOT PLX_SANITIZE)
   # usually lies inside the source folder.
   add_compile_options(-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.
                       -ffile-prefix-map=${PROJECT_BINARY_DIR}=./build)
-  # A program's build id covers the path by which it finds the library in the build folder.
-  set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
   # The tool and the debugging twin are installed as well, and as hardened.
   set(PLX_FORTIFY _FORTIFY_SOURCE=2)
   target_compile_definitions(plx_library_options INTERFACE ${PLX_FORTIFY})
@@ -64,7 +62,9 @@ if(PLX_SANITIZE)
     # Both need type information, which the library does not carry.
     add_compile_options(-fno-sanitize=vptr,function)
   else()
-    add_compile_options(-fno-sanitize=vptr)
+    # Behind the checks gcc takes branches for possible that are not, and warns of their bounds.
+    add_compile_options(-fno-sanitize=vptr -Wno-array-bounds -Wno-stringop-overflow
+                        -Wno-stringop-overread -Wno-maybe-uninitialized)
   endif()
   add_link_options(-fsanitize=${PLX_SANITIZE})
 endif()
