@@ -54,7 +54,7 @@ constexpr LetterTable make_letters() {
     table.of[static_cast<unsigned char>(row.name)] = row.letter;
     if (row.name >= 'a') table.of[row.name - 'a' + 'A'] = row.letter;
   }
-  for (const int name : {'C', 'S'}) table.of[name].is_wide = true;
+  for (const unsigned char name : {'C', 'S'}) table.of[name].is_wide = true;
   for (const unsigned char name : {'h', 'l', 'L', 'j', 'q', 't', 'z', 'w', 'I', 'F', 'N'}) {
     table.of[name].is_modifier = true;
   }

@@ -23,8 +23,8 @@ bool read_one(wchar_t* out) {
   return c != WEOF;
 }
 
-void unread_one(char c) { ungetc(static_cast<unsigned char>(c), stdin); }
-void unread_one(wchar_t c) { ungetwc(static_cast<wint_t>(c), stdin); }
+void unread_one(char c) { static_cast<void>(ungetc(static_cast<unsigned char>(c), stdin)); }
+void unread_one(wchar_t c) { static_cast<void>(ungetwc(static_cast<wint_t>(c), stdin)); }
 
 constexpr unsigned char kUtf8Mark[] = {0xEF, 0xBB, 0xBF};
 
@@ -126,14 +126,18 @@ void FileSource<Char>::seek_behind_taken() {
   if (fseek(file_, start_, SEEK_SET) != 0) start_ = 0;
   const uint64_t position =
       static_cast<uint64_t>(start_) + mark_size_ + uint64_t{this->taken()} * sizeof(Char);
-  if (position <= LONG_MAX) fseek(file_, static_cast<long>(position), SEEK_SET);
+  if (position > LONG_MAX) return;
+  // A file that can no longer be placed says so at the next call.
+  static_cast<void>(fseek(file_, static_cast<long>(position), SEEK_SET));
 }
 
 template <typename Char>
 void FileSource<Char>::unread_the_rest() {
   const auto* bytes = reinterpret_cast<const unsigned char*>(chunk_.get());
   const auto* stop = reinterpret_cast<const unsigned char*>(this->at());
-  for (const unsigned char* p = bytes + loaded_; p != stop; --p) ungetc(p[-1], file_);
+  for (const unsigned char* p = bytes + loaded_; p != stop; --p) {
+    static_cast<void>(ungetc(p[-1], file_));
+  }
 }
 
 template class StandardInput<char>;
