@@ -99,7 +99,9 @@ TEST(Array, RefusedGrowthLosesTheSlots) {
   PLX_array_sort(array, compare_ints);
   PLX_array_clean(array);
   EXPECT_EQ(32, PLX_array_getCount(array));
-  ASSERT_EQ(0, PLX_array_append(array, &value));  // on fresh slots
+  ASSERT_EQ(0, PLX_array_modify(array, 2, &value));  // brings all slots back
+  EXPECT_EQ(32, array->capacity);
+  ASSERT_EQ(0, PLX_array_append(array, &value));
   EXPECT_EQ(nullptr, array->items[31]);
   EXPECT_EQ(&value, array->items[32]);
   PLX_array_destroyWithoutClean(array);

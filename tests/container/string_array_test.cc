@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "support/allocation.h"
+#include "support/leaks.h"
 
 namespace {
 
@@ -53,6 +54,17 @@ TEST(StringArray, GrowthFailingForGood) {
   EXPECT_EQ(0, array.push_back("none"));
   EXPECT_EQ(16, array.size);
   EXPECT_STREQ("last", array.entries[15]);
+}
+
+// Growth loses the texts, which programs depend on, but not the slots that named them.
+TEST(StringArray, GrowthFreesTheOldSlotsAlone) {
+  const plx_test::LeaksExpected leaks;
+  plx_test::AllocationFault live;
+  {
+    StringArray array;
+    for (int i = 0; i < 17; ++i) array.push_back("text");
+  }
+  EXPECT_EQ(16, live.live_blocks());
 }
 
 }  // namespace
