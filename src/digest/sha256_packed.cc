@@ -114,25 +114,6 @@ void compress_packed(Sha256Ctx* ctx) {
   memset(ctx->block, 0, sizeof ctx->block);
 }
 
-}  // namespace
-
-void blocks_portable(uint32_t* state, const uint8_t* data, size_t num_blocks) {
-  uint32_t w[16];
-  for (; num_blocks != 0; --num_blocks, data += kSha256BlockSize) {
-    for (int t = 0; t < 16; ++t) w[t] = load_be32(data + 4 * t);
-    compress(state, w);
-  }
-  wipe(w, sizeof w);
-}
-
-void start(Sha256Ctx* ctx) {
-  memset(ctx->block, 0, sizeof ctx->block);
-  memcpy(ctx->state, kSha256InitialState, sizeof ctx->state);
-  memset(ctx->bitCount, 0, sizeof ctx->bitCount);
-}
-
-namespace {
-
 // From the block position before the data, which is counted already.
 void append_at(Sha256Ctx* ctx, size_t position, const uint8_t* data, size_t size) {
   if (position != 0) {
@@ -152,6 +133,21 @@ void append_at(Sha256Ctx* ctx, size_t position, const uint8_t* data, size_t size
 }
 
 }  // namespace
+
+void blocks_portable(uint32_t* state, const uint8_t* data, size_t num_blocks) {
+  uint32_t w[16];
+  for (; num_blocks != 0; --num_blocks, data += kSha256BlockSize) {
+    for (int t = 0; t < 16; ++t) w[t] = load_be32(data + 4 * t);
+    compress(state, w);
+  }
+  wipe(w, sizeof w);
+}
+
+void start(Sha256Ctx* ctx) {
+  memset(ctx->block, 0, sizeof ctx->block);
+  memcpy(ctx->state, kSha256InitialState, sizeof ctx->state);
+  memset(ctx->bitCount, 0, sizeof ctx->bitCount);
+}
 
 void append(Sha256Ctx* ctx, const uint8_t* data, size_t size) {
   const size_t position = block_position(ctx);

@@ -18,8 +18,8 @@ __attribute__((noinline)) void wipe_stack() {
   wipe(left, kDepth);
 }
 
-// What a digest leaves of its message where compilers have too few registers for it. gcc on x86-64
-// has enough, and short messages feel the time that this takes.
+// Wipes what a digest has left of its message on the stack, where compilers have too few registers
+// for it. gcc on x86-64 has enough, and short messages would feel the time that this takes.
 inline void wipe_spilled_words() {
 #if defined(__clang__) || !defined(__x86_64__)
   wipe_stack<1024>();

@@ -2,7 +2,6 @@
 #ifndef PLX_TESTS_SUPPORT_KEY_FILES_H
 #define PLX_TESTS_SUPPORT_KEY_FILES_H
 
-#include <openssl/evp.h>
 #include <plx/cipher.h>
 #include <plx/key_store.h>
 #include <stdio.h>
@@ -11,6 +10,8 @@
 #include <unistd.h>
 
 #include <string>
+
+#include "support/judge.h"
 
 namespace plx_test {
 
@@ -26,23 +27,10 @@ inline std::string base64(const std::string& data) {
 // A sealed blob of `plain` under a 128-bit key, always the same: a wrong key opens one blob in 256,
 // and no test may come upon that by chance.
 inline std::string sealed(const std::string& plain, const std::string& key) {
-  const auto* iv = reinterpret_cast<const unsigned char*>("sixteen bytes IV");
-  std::string blob(plain.size() + 32, '\0');
-  auto* out = reinterpret_cast<unsigned char*>(&blob[0]);
-  memcpy(out, iv, 16);
-  int updated = 0, finished = 0;
-  EVP_CIPHER_CTX* ctx = EVP_CIPHER_CTX_new();
-  if (EVP_EncryptInit_ex(ctx, EVP_aes_128_cbc(), nullptr,
-                         reinterpret_cast<const unsigned char*>(key.data()), iv) != 1 ||
-      EVP_EncryptUpdate(ctx, out + 16, &updated,
-                        reinterpret_cast<const unsigned char*>(plain.data()),
-                        static_cast<int>(plain.size())) != 1 ||
-      EVP_EncryptFinal_ex(ctx, out + 16 + updated, &finished) != 1) {
-    abort();
-  }
-  EVP_CIPHER_CTX_free(ctx);
-  blob.resize(static_cast<size_t>(16 + updated + finished));
-  return blob;
+  const std::string iv = "sixteen bytes IV";
+  const Judged made = judge(EVP_aes_128_cbc(), true, true, key, iv, plain);
+  if (!made.accepted) abort();
+  return iv + made.out;
 }
 
 // While one lives, every row of g_stKeyMap names files of its own temporary folder, which start
