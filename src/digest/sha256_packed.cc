@@ -95,22 +95,23 @@ void pack(uint32_t* block, size_t position, const uint8_t* data, size_t size) {
   if (size != 0) pack_few(block, position, data, size);
 }
 
-// Words were stored one by one and are loaded so: a load of four would wait for the stores to leave
-// the processor.
 void unpack(uint8_t* bytes, const uint32_t* block) {
   for (int i = 0; i < 16; i += 4) {
-    const volatile uint32_t* const at = block + i;
-    const Quad loaded = {at[0], at[1], at[2], at[3]};
-    const Quad words = load_swapped(&loaded);
+    const Quad words = load_swapped(block + i);
     memcpy(bytes + 4 * i, &words, sizeof words);
   }
 }
 
-// The words become bytes in their place, and then nothing.
+// The words become bytes in their place, and then nothing. They may just have been stored one by
+// one and so are loaded so: a load of four would wait for the stores to leave the processor.
 void compress_packed(Sha256Ctx* ctx) {
-  auto* const bytes = reinterpret_cast<uint8_t*>(ctx->block);
-  unpack(bytes, ctx->block);
-  blocks(ctx->state, bytes, 1);
+  for (int i = 0; i < 16; i += 4) {
+    const volatile uint32_t* const at = ctx->block + i;
+    const Quad loaded = {at[0], at[1], at[2], at[3]};
+    const Quad swapped = load_swapped(&loaded);
+    memcpy(ctx->block + i, &swapped, sizeof swapped);
+  }
+  blocks(ctx->state, reinterpret_cast<const uint8_t*>(ctx->block), 1);
   memset(ctx->block, 0, sizeof ctx->block);
 }
 
