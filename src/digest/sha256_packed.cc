@@ -95,23 +95,28 @@ void pack(uint32_t* block, size_t position, const uint8_t* data, size_t size) {
   if (size != 0) pack_few(block, position, data, size);
 }
 
+// As load_swapped, of words that were just stored one by one: a load of four would wait for the
+// stores to leave the processor.
+Quad load_swapped_singly(const void* words) {
+  const auto* const at = static_cast<const volatile uint32_t*>(words);
+  const Quad loaded = {at[0], at[1], at[2], at[3]};
+  return load_swapped(&loaded);
+}
+
+// The words of a block as bytes, which may take their place.
+template <Quad (*kLoad)(const void*)>
 void unpack(uint8_t* bytes, const uint32_t* block) {
   for (int i = 0; i < 16; i += 4) {
-    const Quad words = load_swapped(block + i);
+    const Quad words = kLoad(block + i);
     memcpy(bytes + 4 * i, &words, sizeof words);
   }
 }
 
-// The words become bytes in their place, and then nothing. They may just have been stored one by
-// one and so are loaded so: a load of four would wait for the stores to leave the processor.
+// The words become bytes in their place, and then nothing.
 void compress_packed(Sha256Ctx* ctx) {
-  for (int i = 0; i < 16; i += 4) {
-    const volatile uint32_t* const at = ctx->block + i;
-    const Quad loaded = {at[0], at[1], at[2], at[3]};
-    const Quad swapped = load_swapped(&loaded);
-    memcpy(ctx->block + i, &swapped, sizeof swapped);
-  }
-  blocks(ctx->state, reinterpret_cast<const uint8_t*>(ctx->block), 1);
+  auto* const bytes = reinterpret_cast<uint8_t*>(ctx->block);
+  unpack<load_swapped_singly>(bytes, ctx->block);
+  blocks(ctx->state, bytes, 1);
   memset(ctx->block, 0, sizeof ctx->block);
 }
 
@@ -166,7 +171,7 @@ void finish(Sha256Ctx* ctx, const uint8_t* data, size_t size) {
   uint8_t last[2 * kSha256BlockSize];
   if (block_position(ctx) != 0) {
     append(ctx, data, size);
-    unpack(last, ctx->block);
+    unpack<load_swapped>(last, ctx->block);
     memset(ctx->block, 0, sizeof ctx->block);
   } else {
     const size_t tail_size = size % kSha256BlockSize;
