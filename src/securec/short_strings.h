@@ -1,6 +1,6 @@
-// Copies and appends of less than 96 characters that nothing is wrong with, without a call into the
-// C library: most texts are short. These functions only ever accept. What they return false for is
-// untouched and left to the full functions, which know every refusal and its order.
+// Appends of less than 96 characters that nothing is wrong with, without a call into the C library:
+// most texts are short. They only ever accept. What they return false for is untouched and left to
+// the full functions, which know every refusal and its order.
 #ifndef PLX_SRC_SECUREC_SHORT_STRINGS_H
 #define PLX_SRC_SECUREC_SHORT_STRINGS_H
 
@@ -66,19 +66,6 @@ inline size_t short_length(const char*, size_t) { return kUnknownText; }
   } else {
     copy_medium_block(dst, src, count);
   }
-}
-
-inline bool copy_short_string(char* dst, size_t dst_size, const char* src, size_t count) {
-  if (dst_size > SECURE_MEM_LIMIT || dst == nullptr || src == nullptr) return false;
-  if (!is_valid_count<char>(count)) return false;
-  const size_t whole = short_length(src, std::min(count, dst_size));
-  if (whole == kUnknownText) return false;
-  const size_t length = std::min(whole, count);
-  if (length > kShortText || length >= dst_size) return false;
-  if (ranges_overlap(dst, src, length + 1)) return false;
-  if (length != 0) copy_short_block(dst, src, length);
-  dst[length] = 0;
-  return true;
 }
 
 inline bool append_short_string(char* dst, size_t dst_size, const char* src) {

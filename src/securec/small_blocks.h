@@ -51,16 +51,22 @@ inline void copy_ends_twice(unsigned char* dst, const unsigned char* src, size_t
   store(dst + tail + sizeof(Word), last);
 }
 
-// `count` is from 1 to kMaxSmallBlock.
-[[gnu::always_inline]] inline void copy_small_block(void* dst, const void* src, size_t count) {
+// `count` is from 1 to 32.
+[[gnu::always_inline]] inline void copy_to_32(void* dst, const void* src, size_t count) {
   auto* const to = static_cast<unsigned char*>(dst);
   const auto* const from = static_cast<const unsigned char*>(src);
-  if (count > 32) return copy_ends_twice<Word16>(to, from, count);
   if (count >= 16) return copy_ends<Word16>(to, from, count);
   if (count >= 8) return copy_ends<uint64_t>(to, from, count);
   if (count >= 4) return copy_ends<uint32_t>(to, from, count);
   if (count >= 2) return copy_ends<uint16_t>(to, from, count);
   *to = *from;
+}
+
+// `count` is from 1 to kMaxSmallBlock.
+[[gnu::always_inline]] inline void copy_small_block(void* dst, const void* src, size_t count) {
+  if (count <= 32) return copy_to_32(dst, src, count);
+  copy_ends_twice<Word16>(static_cast<unsigned char*>(dst), static_cast<const unsigned char*>(src),
+                          count);
 }
 
 // `count` is from 64 to kMaxMediumBlock; the blocks must not overlap.

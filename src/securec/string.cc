@@ -9,6 +9,7 @@
 
 #include <algorithm>
 
+#include "securec/arch/strings_avx2.h"
 #include "securec/limits.h"
 #include "securec/memory.h"
 #include "securec/short_strings.h"
@@ -104,37 +105,9 @@ errno_t copy_wide_counted(wchar_t* dst, size_t dst_count, const wchar_t* src, si
   return store_as_it_goes(dst, dst, dst_count, src, count);
 }
 
-inline errno_t copy_measured(char* dst, size_t dst_size, const char* src, size_t length) {
-  if (length == dst_size) return clear_first(dst, ERANGE_CLEARED);
-  if (dst == src) return EOK;
-  if (ranges_overlap(dst, src, length + 1)) return clear_first(dst, EOVERLAP_CLEARED);
-  copy_chars(dst, src, length + 1);
-  return EOK;
-}
-
-[[gnu::noinline]] errno_t copy_any_string(char* dst, size_t dst_size, const char* src) {
-  if (!is_valid_size(dst_size)) return ERANGE;
-  if (dst == nullptr) return EINVAL;
-  if (src == nullptr) return clear_first(dst, EINVAL_CLEARED);
-  return copy_measured(dst, dst_size, src, bounded_length(src, dst_size));
-}
-
-// Above this the C library's search is the faster one.
-constexpr size_t kOwnSearch = 32;
-
-// The first kOwnSearch characters are known to be there, and to have room.
-[[gnu::noinline]] errno_t copy_long_string(char* dst, size_t dst_size, const char* src) {
-  const size_t rest = bounded_length(src + kOwnSearch, dst_size - kOwnSearch);
-  const size_t length = kOwnSearch + rest;
-  if (length < kShortText && length < dst_size && !ranges_overlap(dst, src, length + 1)) {
-    copy_short_block(dst, src, length + 1);
-    return EOK;
-  }
-  return copy_measured(dst, dst_size, src, length);
-}
-
-[[gnu::noinline]] errno_t copy_any_string(char* dst, size_t dst_size, const char* src,
-                                          size_t count) {
+[[gnu::noinline, gnu::cold]] errno_t copy_any_counted(char* dst, size_t dst_size, const char* src,
+                                                      size_t count) {
+  avx2::make_ready();
   if (!is_valid_size(dst_size)) return ERANGE;
   if (dst == nullptr) return EINVAL;
   if (src == nullptr) return clear_first(dst, EINVAL_CLEARED);
@@ -150,23 +123,23 @@ constexpr size_t kOwnSearch = 32;
   return EOK;
 }
 
-// Most texts are short, and nothing is wrong with most calls.
+// Nothing is wrong with most calls.
 [[gnu::always_inline]] inline errno_t copy_whole(char* dst, size_t dst_size, const char* src) {
-  if (dst_size <= SECURE_MEM_LIMIT && dst != nullptr && src != nullptr) {
-    const size_t length = short_length(src, std::min(dst_size, kOwnSearch));
-    if (length < dst_size && !ranges_overlap(dst, src, length + 1)) {
-      copy_short_block(dst, src, length + 1);
-      return EOK;
-    }
-    if (length == kLongText && dst_size > kOwnSearch) return copy_long_string(dst, dst_size, src);
+  if (dst_size <= SECURE_MEM_LIMIT && dst != nullptr && src != nullptr && avx2::is_ready()) {
+    return avx2::copy_string(dst, dst_size, src);
   }
   return copy_any_string(dst, dst_size, src);
 }
 
 [[gnu::always_inline]] inline errno_t copy_counted(char* dst, size_t dst_size, const char* src,
                                                    size_t count) {
-  if (copy_short_string(dst, dst_size, src, count)) return EOK;
-  return copy_any_string(dst, dst_size, src, count);
+  // Not refused whatever the source's length, which therefore need not be known before it is
+  // written. One comparison for 0 < count < dst_size.
+  if (is_valid_size(dst_size) && count - 1 < dst_size - 1 && dst != nullptr && src != nullptr &&
+      avx2::is_ready() && are_apart(dst, src, count)) {
+    return avx2::copy_counted(dst, src, count);
+  }
+  return copy_any_counted(dst, dst_size, src, count);
 }
 
 [[gnu::always_inline]] inline errno_t append_whole(char* dst, size_t dst_size, const char* src) {
@@ -175,6 +148,23 @@ constexpr size_t kOwnSearch = 32;
 }
 
 }  // namespace
+
+errno_t copy_any_string(char* dst, size_t dst_size, const char* src) {
+  avx2::make_ready();
+  if (!is_valid_size(dst_size)) return ERANGE;
+  if (dst == nullptr) return EINVAL;
+  if (src == nullptr) return clear_first(dst, EINVAL_CLEARED);
+  return copy_long_string(dst, dst_size, src, 0);
+}
+
+errno_t copy_long_string(char* dst, size_t dst_size, const char* src, size_t known) {
+  const size_t length = known + bounded_length(src + known, dst_size - known);
+  if (length == dst_size) return clear_first(dst, ERANGE_CLEARED);
+  if (dst == src) return EOK;
+  if (ranges_overlap(dst, src, length + 1)) return clear_first(dst, EOVERLAP_CLEARED);
+  copy_chars(dst, src, length + 1);
+  return EOK;
+}
 
 errno_t copy_string(char* dst, size_t dst_size, const char* src) {
   return copy_whole(dst, dst_size, src);

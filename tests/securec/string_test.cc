@@ -7,11 +7,13 @@
 #include <algorithm>
 
 #include "fuzz/string_model.h"
+#include "internal/cpu.h"
 #include "support/guarded.h"
 
 namespace {
 
 using namespace plx_test;
+namespace cpu = plx::cpu;
 
 template <typename Char>
 class Strings : public testing::Test {};
@@ -55,16 +57,29 @@ TYPED_TEST(Strings, RefusalsInTheirOrder) {
   EXPECT_EQ('x', d[0]);
 }
 
+// With the copies for this processor, and with those for any.
+class ShortStrings : public testing::TestWithParam<bool> {
+ protected:
+  ShortStrings() : all_(cpu::ask()) {
+    if (!GetParam()) cpu::g_features.store(cpu::kAsked);
+  }
+  ~ShortStrings() override { cpu::g_features.store(all_); }
+
+ private:
+  const uint32_t all_;
+};
+INSTANTIATE_TEST_SUITE_P(, ShortStrings, testing::Bool());
+
 // Every length around the short copies, from where every number of bytes is left in the page.
-TEST(ShortStrings, AtTheEndOfAPage) {
+TEST_P(ShortStrings, AtTheEndOfAPage) {
   Guarded<char> page(4096);
   std::fill_n(page.data(), page.size(), 'x');
-  char d[160], expected[160];
+  char d[320], expected[320];
   const auto fill = [&] {
     memset(d, 'o', sizeof d);
     memset(expected, 'o', sizeof d);
   };
-  for (size_t length = 0; length <= 130; ++length) {
+  for (size_t length = 0; length < 300; length += length < 100 ? 1 : 7) {
     for (size_t behind = 0; behind <= 100; behind += length % 3 + 1) {
       char* const src = page.data() + page.size() - 1 - behind - length;
       src[length] = 0;
@@ -93,6 +108,19 @@ TEST(ShortStrings, AtTheEndOfAPage) {
       }
       src[length] = 'x';
     }
+  }
+}
+
+TEST_P(ShortStrings, UnterminatedAtTheEndOfAPage) {
+  for (size_t length = 1; length < 300; ++length) {
+    Guarded<char> src(length);
+    std::fill_n(src.data(), length, 'x');
+    char d[301];
+    EXPECT_EQ(EOK, strncpy_s(d, length + 1, src.data(), length));
+    EXPECT_EQ(length, strnlen(d, sizeof d));
+    EXPECT_EQ(ERANGE_CLEARED, strcpy_s(d, length, src.data()));
+    EXPECT_EQ(ERANGE_CLEARED, strncpy_s(d, length, src.data(), length));
+    EXPECT_EQ(length - 1, strnlen(d + 1, sizeof d - 1));
   }
 }
 
