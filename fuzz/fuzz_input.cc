@@ -82,7 +82,7 @@ FILE* stream_of(Stream kind, const std::string& bytes) {
 template <typename Char, typename Call>
 std::string by_string(const std::string& text, const std::string& format, Call call) {
   const Char* const first = guarded<Char>(text + '\0');
-  return call(Scan<Char>::kString, first, of_width<Char>(format).c_str());
+  return call(Scan<Char>::kString, first, guarded<Char>(format + '\0', 1));
 }
 
 // The result, and behind it what is left in the stream.

@@ -26,6 +26,7 @@ const Row kDirectives[] = {
     {"5 %6", "%d%%%d", "i4 i4", "1 5|.", " %6"},  // no white space is skipped for a literal
     {"5%6", "%d%%%d", "i4 i4", "2 5|6", ""},
     {"5 ", "%*d %d", "i4", "-1 .", ""},  // the input ends with nothing assigned
+    {"5", "%*d%[a]", "s2", "-1 ..", ""},
     {"ab", "abc", "", "-1 ", ""},
     {"5", "%*d %n", "i4", "0 1", ""},  // all directives are done
     {"x", "%*n%n%c", "i4 s1", "1 0|x", ""},
@@ -36,8 +37,10 @@ const Row kDirectives[] = {
     {"12 ab", "%d %[ab", "i4 s5", "1 12|.....", "ab"},
     {"12 ab", "%d %[^]", "i4 s5", "1 12|.....", "ab"},
     {"12 34", "%d%d", "i4 0", "-1 12", "34"},
+    {"12 34", "%d%2d", "i4 0", "-1 12", "34"},
     {"12 34", "%d%n", "i4 0", "-1 12", " 34"},
     {"12 ab", "%d%s", "i4 0=0", "-1 12", "ab"},  // null is seen before the size
+    {"12 ab", "%d%ls", "i4 0=0", "-1 12", "ab"},
     {"12 1.5", "%d%f", "i4 0", "-1 12", "1.5"},
     {"12", "%d%s", "i4 0=5", "1 12", ""},  // the end of the input is seen before null
 };
@@ -52,6 +55,7 @@ const Row kTexts[] = {
     {"hello", "%ls", "w6", "1 hello_", ""},
     {"hello", "%S", "w5", "0 _ell.", "o"},
     {"hello", "%2ws%lls", "w6 w6", "2 he_...|llo_..", ""},
+    {"hello", "%2llhs%lls", "s3 w4", "2 he_|llo_", ""},
     {"hello", "%1hS%1hs%Ls", "s2 s2 s4", "3 h_|e_|llo_", ""},
     // Sizes at their limits are seen before any text is stored.
     {"hello", "%s", "s1=0", "0 _", "hello"},
@@ -82,11 +86,16 @@ const Row kTexts[] = {
 const Row kNumbers[] = {
     {"x", "%d", "i4", "0 .", "x"},
     {"1 -", "%d%d", "i4 i4", "1 1|.", ""},
+    {"+7 -+7", "%d%d", "i4 i4", "1 7|.", "+7"},
     {"0xg", "%x", "i4", "0 .", "g"},  // "0x" is no number
     {"0x12", "%2i", "i4", "0 .", "12"},
     {"12345", "%0d", "i4", "1 12345", ""},  // no width
     {"12345", "%00002d", "i4", "1 12", "345"},
-    {"12345", "%99999999999999999999d", "i4", "1 12345", ""},
+    {"12345 67", "%99999999999999999999d%18446744073709551617d", "i4 i4", "2 12345|67", ""},
+    {"-5", "%1d", "i4", "0 .", "5"},
+    {"-5", "%1x", "i4", "0 .", "5"},
+    {"12345678901234567", "%lld", "i8", "1 12345678901234567", ""},
+    {"1234567890abcdef1", "%llx", "i8", "1 -1", ""},
     {"7 8 9 17", "%D%I%*U%O", "i4 i4 i4", "3 7|8|15", ""},
     {"10 0x10", "%p%hP", "ip ip", "2 16|16", ""},
     // Sizes: what does not fit is cut.
@@ -121,6 +130,7 @@ class Rows : public testing::Test {
     for (const Row& row : rows) {
       SCOPED_TRACE(std::string(row.text) + " by " + row.format);
       EXPECT_EQ(row.expected, scan_string<Char>(row.text, row.format, row.destinations));
+      EXPECT_EQ(row.expected, scan_list<Char>(row.text, row.format, row.destinations));
       for (const bool seeks : {true, false}) {
         StandardInput input(bytes_of<Char>(row.text));
         ftell_fails = !seeks;
@@ -151,7 +161,8 @@ TYPED_TEST(Rows, EmptyText) {
   for (const char* format : cleared) {
     EXPECT_EQ("-1 _..", scan_string<TypeParam>("", format, "s3")) << format;
   }
-  const char* untouched[] = {"%[a", "%[]", "%[^]", "%{a}", "%*s", "%Ls", "%d%s", "%%%s", "%", ""};
+  const char* untouched[] = {"%[a",  "%[]",  "%[^]", "%{a}", "%*s",  "%Ls",
+                             "%d%s", "%%%s", "%",    "x",    "%da]", ""};
   for (const char* format : untouched) {
     EXPECT_EQ("-1 ...", scan_string<TypeParam>("", format, "s3")) << format;
   }
@@ -166,7 +177,11 @@ TYPED_TEST(Rows, EmptyText) {
                            {"%hS", "w4", "-1 <a5a5a500>..."},
                            {"%ls", "w3", "-1 <a5a5a500>.."},
                            {"%l[a]", "w1", "-1 <a5a5a500>"}};
-  for (const auto& row : rows) EXPECT_EQ(row[2], scan_string<TypeParam>("", row[0], row[1]));
+  for (const auto& row : rows) {
+    EXPECT_EQ(row[2], scan_string<TypeParam>("", row[0], row[1]));
+    for (const bool all : {true, false})
+      EXPECT_EQ(row[2], scan_list<TypeParam>("", row[0], row[1], all));
+  }
 }
 
 TYPED_TEST(Rows, NullArguments) {

@@ -3,6 +3,7 @@
 #define PLX_TESTS_SECUREC_INPUT_SCAN_H
 
 #include <plx/securec.h>
+#include <stdarg.h>
 #include <stdint.h>
 #include <stdio.h>
 #include <stdlib.h>
@@ -147,12 +148,14 @@ struct Scan;
 template <>
 struct Scan<char> {
   static constexpr auto kString = sscanf_s;
+  static constexpr auto kStringList = vsscanf_s;
   static constexpr auto kStandardInput = scanf_s;
   static constexpr auto kFile = fscanf_s;
 };
 template <>
 struct Scan<wchar_t> {
   static constexpr auto kString = swscanf_s;
+  static constexpr auto kStringList = vswscanf_s;
   static constexpr auto kStandardInput = wscanf_s;
   static constexpr auto kFile = fwscanf_s;
 };
@@ -162,7 +165,7 @@ std::string scan_string(const std::string& text, const std::string& format,
                         const std::string& destinations) {
   const Char* const first = guarded<Char>(text + '\0');
   return Destinations(destinations)
-      .call(Scan<Char>::kString, first, of_width<Char>(format).c_str());
+      .call(Scan<Char>::kString, first, guarded<Char>(format + '\0', 1));
 }
 
 template <typename Char>
@@ -174,6 +177,25 @@ template <typename Char>
 std::string scan_standard_input(const std::string& format, const std::string& destinations) {
   return Destinations(destinations)
       .call(Scan<Char>::kStandardInput, of_width<Char>(format).c_str());
+}
+
+template <typename Char>
+int call_list(const Char* text, const Char* format, int, int, int skipped, ...) {
+  va_list args;
+  va_start(args, skipped);
+  for (; skipped > 0; --skipped) static_cast<void>(va_arg(args, void*));
+  const int result = Scan<Char>::kStringList(text, format, args);
+  va_end(args);
+  return result;
+}
+
+// By a list of arguments, all of which lie on the stack, or all but the first.
+template <typename Char>
+std::string scan_list(const std::string& text, const std::string& format,
+                      const std::string& destinations, bool all = true) {
+  const auto wanted = of_width<Char>(format);
+  return Destinations((all ? "0 " : "") + destinations)
+      .call(call_list<Char>, of_width<Char>(text).c_str(), wanted.c_str(), 0, 0, int{all});
 }
 
 // A character of a file is the bytes of a wchar_t.

@@ -14,6 +14,7 @@ extern "C" {
 long __real_ftell(FILE* file);
 int __real_fseek(FILE* file, long offset, int whence);
 char* __real_nl_langinfo(nl_item item);
+size_t __real_mbrtowc(wchar_t* out, const char* in, size_t size, mbstate_t* state);
 long __wrap_ftell(FILE* file) {
   if (!ftell_fails) return __real_ftell(file);
   errno = ESPIPE;
@@ -27,6 +28,11 @@ int __wrap_fseek(FILE* file, long offset, int whence) {
 }
 const char* __wrap_nl_langinfo(nl_item item) {
   return decimal_point != nullptr ? decimal_point : __real_nl_langinfo(item);
+}
+size_t __wrap_mbrtowc(wchar_t* out, const char* in, size_t size, mbstate_t* state) {
+  if (!bytes_are_latin) return __real_mbrtowc(out, in, size, state);
+  *out = static_cast<unsigned char>(*in);
+  return 1;
 }
 }
 
@@ -52,6 +58,31 @@ TYPED_TEST(Streams, ChunksCanEndAnywhere) {
       EXPECT_EQ(bytes_of<TypeParam>("3x"), read_all(stdin));
       ftell_fails = false;
     }
+  }
+}
+
+// What an earlier chunk left in the buffer is not looked at behind the end of the last one.
+TYPED_TEST(Streams, TheLastChunkEndsWhereTheFileDoes) {
+  const struct {
+    const char *text, *earlier, *format, *destinations, *expected;
+  } rows[] = {{"-", "5", "%d", "i4", "0 ."},          {"-", "5", "%3d", "i4", "0 ."},
+              {"-", "5", "%f", "f", "0 ."},           {"12", "3", "%d", "i4", "1 12"},
+              {"12", "3", "%3d", "i4", "1 12"},       {"0", "x", "%x", "i4", "1 0"},
+              {"0", "x", "%3i", "i4", "1 0"},         {"0", "7", "%i", "i4", "1 0"},
+              {"1", "5", "%f", "f", "1 1"},           {"1", ".", "%f%c", "f s1", "1 1|."},
+              {"1.", "5", "%f", "f", "1 1"},          {"1e", "2", "%f", "f", "1 1"},
+              {"  ", " ", " %n", "i4", "0 1026"},     {"  ", " ", "%d", "i4", "-1 ."},
+              {"  ", " ", "%3d", "i4", "-1 ."},       {"  ", " ", "%f", "f", "-1 ."},
+              {"  ", " ", "%s", "s3", "-1 ..."},      {"ab", "b", "%s", "s5", "1 ab_.."},
+              {"ab", "b", "%3c", "s5", "1 ab..."},    {"ab", "b", "%[ab]", "s5", "1 ab_.."},
+              {"12", "3", "%x", "i4", "1 18"},        {"ab", "b", "%*sx", "", "-1 "},
+              {"ab", "b", "%*[ab]%n", "i4", "0 1026"}};
+  for (const auto& row : rows) {
+    SCOPED_TRACE(std::string(row.text) + " by " + row.format);
+    StandardInput input(bytes_of<TypeParam>(std::string(1024, row.earlier[0]) + row.text));
+    EXPECT_EQ(row.expected,
+              scan_file<TypeParam>(stdin, std::string("%*1024c") + row.format, row.destinations));
+    EXPECT_EQ("", read_all(stdin));
   }
 }
 
@@ -160,6 +191,7 @@ TEST(Marks, OfWideTextAreTakenOutWithoutSwapping) {
       {mark, "%d", "i4", "-1 .", ""},
       {"\xFF", "%d", "i4", "-1 .", "\xFF"},
       {wide("7") + mark, "%d%n", "i4 i4", "1 7|1", mark},  // an incomplete character
+      {"7\xFF" + wide("7"), "%d", "i4", "0 .", "7\xFF" + wide("7")},
       {"\xFF\xFF" + wide("7"), "%d", "i4", "0 .", "\xFF\xFF" + wide("7")},
   });
 }

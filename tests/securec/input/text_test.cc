@@ -50,6 +50,8 @@ TEST_F(Text, BeyondAscii) {
       {L"\u0431x", L"%l[^\u0430-\u044f]", "w1", "0 ."},
       {L"b\u0431\u0450", L"%l[a-\u044f]", "w4", "1 b<431>_."},
       {L"\u044f-\u0430\u0431", L"%l[\u044f-\u0430]", "w4", "1 <44f>-<430>_"},
+      {L"\U0010ffff", L"%l[\U0010ffff]", "w2", "1 <10ffff>_"},
+      {L"\u0410", L"%l[-\u0430]", "w2", "0 .."},
       {L"\u0161a", L"%l[a]", "w1", "0 ."},
       {L"\u00e9\u00ff\u0100", L"%l[\u00e0-\u00ff]", "w4", "1 <e9><ff>_."},
   };
@@ -59,6 +61,9 @@ TEST_F(Text, BeyondAscii) {
   EXPECT_EQ("2 a??_|b", scan("a\u00e9b", "%3ls%lc", "w4 w1"));
   EXPECT_EQ("2 a<c3>_|<85>", scan("a\xc3\x85", "%2s%c", "s3 s1"));
   EXPECT_EQ("1 <e9><ff>_", scan("\xe9\xff\x7f", "%[\xe0-\xff]", "s3"));
+  bytes_are_latin = true;
+  EXPECT_EQ("1 a<e9>b_", scan("a\351b", "%ls", "w4"));
+  bytes_are_latin = false;
   EXPECT_EQ("1 inf", scan("1e999", "%f", "f"));
   EXPECT_EQ(77, errno);
   setlocale(LC_CTYPE, "C");
@@ -71,9 +76,13 @@ TEST_F(Text, ThePointMayBeAnother) {
   EXPECT_EQ("2 1|x", scan("1\u066b5x", "%f%c", "f s1"));
   EXPECT_EQ("2 1|x", scan(L"1\u066b5x", L"%f%c", "f s1"));
   EXPECT_EQ("2 1|.", scan(L"1.5", L"%f%c", "f s1"));
+  EXPECT_EQ("2 1|5", scan("1\3315", "%f%d", "f i4"));  // the first byte of a point is taken
+  EXPECT_EQ("2 1|<ab>", scan("1\2535", "%f%c", "f s1"));
   decimal_point = ",";
   EXPECT_EQ("2 1|x", scan("1,5x", "%f%c", "f s1"));
   EXPECT_EQ("2 1|.", scan("1.5", "%f%c", "f s1"));
+  decimal_point = ",.";
+  EXPECT_EQ("2 1|,", scan(L"1,5", L"%f%c", "f s1"));  // a wide point is one character
   decimal_point = nullptr;
 }
 
@@ -95,6 +104,7 @@ TEST(Memory, BlocksOfANumber) {
       EXPECT_EQ(1, scan(&value));
       EXPECT_EQ(100, value);
       EXPECT_EQ(blocks, count.allocations());
+      EXPECT_EQ(0, count.live_blocks());
     };
     expect(row.of_string, [&](double* v) { return sscanf_s(number.c_str(), "%lf", v); });
     expect(row.of_string, [&](double* v) { return swscanf_s(wide.c_str(), L"%lf", v); });
@@ -124,7 +134,6 @@ template <typename Char>
 struct Lists;
 template <>
 struct Lists<char> {
-  static constexpr auto kString = vsscanf_s;
   static constexpr auto kFile = vfscanf_s;
   static constexpr auto kEngine = securec_input_s;
   static constexpr auto kClear = clearDestBuf;
@@ -134,7 +143,6 @@ struct Lists<char> {
 };
 template <>
 struct Lists<wchar_t> {
-  static constexpr auto kString = vswscanf_s;
   static constexpr auto kFile = vfwscanf_s;
   static constexpr auto kEngine = securec_winput_s;
   static constexpr auto kClear = clearwDestBuf;
@@ -165,7 +173,7 @@ TYPED_TEST_SUITE(ByList, Widths);
 TYPED_TEST(ByList, EverySource) {
   using Char = TypeParam;
   using L = Lists<Char>;
-  const auto text = of_width<Char>("5 abc"), format = of_width<Char>("%d %s");
+  const auto format = of_width<Char>("%d %s");
   const auto check = [&](int result, int value, char* word) {
     EXPECT_EQ(2, result);
     EXPECT_EQ(5, value);
@@ -174,19 +182,49 @@ TYPED_TEST(ByList, EverySource) {
   };
   int value = 0;
   char word[4];
-  const Char* const first = text.c_str();
-  const int by_string = by_list<L::kString>(first, format.c_str(), &value, word, 4u);
-  check(by_string, value, word);
   FILE* const file = file_of(bytes_of<Char>("5 abc"));
   const int by_file = by_list<L::kFile>(file, format.c_str(), &value, word, 4u);
   fclose(file);
   check(by_file, value, word);
   StandardInput input("5 abc");
   check(by_list<L::standard_input>(stdin, format.c_str(), &value, word, 4u), value, word);
-  by_list<L::kClear>(first, of_width<Char>("%s").c_str(), word, 4u);
+  by_list<L::kClear>(format.c_str(), of_width<Char>("%s").c_str(), word, 4u);
   EXPECT_EQ(0, word[0]);
   EXPECT_EQ('x', word[1]);
-  by_list<L::kClear, const Char*, Char>(first, nullptr, word, 4u);
+  by_list<L::kClear, const Char*, Char>(format.c_str(), nullptr, word, 4u);
+}
+
+// A source that has nothing to give, as a terminal whose user ends the input.
+template <typename Char>
+struct NoInput : plx::securec::input::Source<Char> {
+  NoInput() : plx::securec::input::Source<Char>(&refuse) {}
+  static bool refuse(plx::securec::input::SourceBase<Char>* self) {
+    ++static_cast<NoInput*>(self)->asked;
+    return false;
+  }
+  int asked = 0;
+};
+
+TYPED_TEST(ByList, TheEndIsAskedForOnce) {
+  NoInput<TypeParam> input;
+  plx::securec::input::Source<TypeParam>* const source = &input;
+  const auto format = of_width<TypeParam>("%d");
+  int value;
+  for (int i = 0; i < 2; ++i) {
+    EXPECT_EQ(-1, by_list<Lists<TypeParam>::kEngine>(source, format.c_str(), &value));
+  }
+  EXPECT_EQ(1, input.asked);
+}
+
+TYPED_TEST(ByList, DigitsThatFindNoMemoryAreNotTaken) {
+  const auto digits = of_width<TypeParam>(std::string(400, '7'));
+  const auto format = of_width<TypeParam>("%lf");
+  plx::securec::input::StringSource<TypeParam> text(digits.data(), digits.size());
+  plx::securec::input::Source<TypeParam>* const source = &text;
+  double value;
+  const AllocationFault none(1);
+  EXPECT_EQ(0, by_list<Lists<TypeParam>::kEngine>(source, format.c_str(), &value));
+  EXPECT_EQ(0u, text.taken());
 }
 
 TYPED_TEST(ByList, TheEngineTellsANullDestinationFromTheEnd) {
