@@ -16,6 +16,7 @@ struct Calls;
 
 template <>
 struct Calls<char> {
+  using Char = char;
   static constexpr size_t kLimit = SECURE_MEM_LIMIT;
   static constexpr bool kMeasuresFirst = true;
   static constexpr errno_t kCopyDoesNotFit = ERANGE_CLEARED;
@@ -29,6 +30,7 @@ struct Calls<char> {
 
 template <>
 struct Calls<wchar_t> {
+  using Char = wchar_t;
   static constexpr size_t kLimit = SECURE_WCHAR_LIMIT;
   static constexpr bool kMeasuresFirst = false;
   static constexpr errno_t kCopyDoesNotFit = ERANGE;  // callers depend on it, wcscpy_s alone

@@ -112,7 +112,6 @@ errno_t copy_wide_counted(wchar_t* dst, size_t dst_count, const wchar_t* src, si
   if (dst == nullptr) return EINVAL;
   if (src == nullptr) return clear_first(dst, EINVAL_CLEARED);
   if (!is_valid_count<char>(count)) return clear_first(dst, ERANGE_CLEARED);
-  if (count == 0) return clear_first(dst, EOK);
   const size_t length = bounded_length(src, std::min(count, dst_size));
   if (length == dst_size) return clear_first(dst, ERANGE_CLEARED);
   if (dst != src) {

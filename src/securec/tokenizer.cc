@@ -17,13 +17,15 @@ Char* next_token(Char* str, const Char* delimiters, Char** context) {
   Char* p = str != nullptr ? str : *context;
   if (p == nullptr) return nullptr;
 
-  while (*p != 0 && is_delimiter(*p, delimiters)) ++p;
+  while (is_delimiter(*p, delimiters)) ++p;
   if (*p == 0) {
     *context = p;
     return nullptr;
   }
   Char* token = p;
-  while (*p != 0 && !is_delimiter(*p, delimiters)) ++p;
+  do {
+    ++p;
+  } while (*p != 0 && !is_delimiter(*p, delimiters));
   // At the end the context stays on the terminator, so that the next call finds nothing.
   if (*p != 0) *p++ = 0;
   *context = p;

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "securec/memory.h"
 #include "support/guarded.h"
 
 namespace {
@@ -23,7 +24,8 @@ struct NamedFill {
 };
 constexpr NamedFill kFills[] = {{"memset_s", memset_s, true},
                                 {"memset_sOptAsm", memset_sOptAsm, true},
-                                {"memset_sOptTc", memset_sOptTc, false}};
+                                {"memset_sOptTc", memset_sOptTc, false},
+                                {"fill_memory", plx::securec::fill_memory<>, true}};
 
 struct NamedCopy {
   const char* name;
@@ -34,7 +36,9 @@ struct NamedCopy {
 constexpr NamedCopy kCopies[] = {{"memcpy_s", memcpy_s, true, false},
                                  {"memcpy_sOptAsm", memcpy_sOptAsm, true, false},
                                  {"memcpy_sOptTc", memcpy_sOptTc, false, false},
-                                 {"memmove_s", memmove_s, true, true}};
+                                 {"memmove_s", memmove_s, true, true},
+                                 {"copy_memory", plx::securec::copy_memory<>, true, false},
+                                 {"move_memory", plx::securec::move_memory<>, true, true}};
 
 TEST(Memory, FillRefusals) {
   struct Row {
@@ -123,13 +127,13 @@ TEST(Memory, CopyRefusals) {
   }
 }
 
-// Every size around the fast paths, at every offset in a cache line, from the first byte behind a
-// guard page and up to the last before one.
+// Every size around the fast paths, and some above, at every offset in a cache line, from the first
+// byte behind a guard page and up to the last before one.
 TEST(Memory, EverySmallSizeAndAlignment) {
-  constexpr size_t kPage = 4096, kWindow = 160;
+  constexpr size_t kPage = 4096, kWindow = 280;
   plx_test::Guarded<unsigned char> dst(kPage), src(kPage);
   for (size_t i = 0; i < kPage; ++i) src[i] = static_cast<unsigned char>(i * 7 + i / 64 + 1);
-  for (size_t count = 0; count <= 72; ++count) {
+  for (size_t count = 0; count <= 200; count += count < 72 ? 1 : 64) {
     for (size_t place = 0; place < 128; ++place) {
       const bool is_at_end = place % 2 != 0;
       const size_t offset = place / 2, src_offset = offset * 5 % 64;

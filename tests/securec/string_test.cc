@@ -8,6 +8,7 @@
 
 #include "fuzz/string_model.h"
 #include "internal/cpu.h"
+#include "securec/string.h"
 #include "support/guarded.h"
 
 namespace {
@@ -15,14 +16,30 @@ namespace {
 using namespace plx_test;
 namespace cpu = plx::cpu;
 
-template <typename Char>
+// What the rest of the library calls.
+struct Hidden : Calls<char> {
+  static errno_t copy(char* d, size_t n, const char* s) {
+    return plx::securec::copy_string(d, n, s);
+  }
+  static errno_t copy(char* d, size_t n, const char* s, size_t c) {
+    return plx::securec::copy_string(d, n, s, c);
+  }
+  static errno_t append(char* d, size_t n, const char* s) {
+    return plx::securec::append_string(d, n, s);
+  }
+  static errno_t append(char* d, size_t n, const char* s, size_t c) {
+    return plx::securec::append_string(d, n, s, c);
+  }
+};
+
+template <typename Functions>
 class Strings : public testing::Test {};
-using Widths = testing::Types<char, wchar_t>;
-TYPED_TEST_SUITE(Strings, Widths);
+using Functions = testing::Types<Calls<char>, Calls<wchar_t>, Hidden>;
+TYPED_TEST_SUITE(Strings, Functions);
 
 TYPED_TEST(Strings, RefusalsInTheirOrder) {
-  using Char = TypeParam;
-  using C = Calls<Char>;
+  using C = TypeParam;
+  using Char = typename C::Char;
   const size_t too_large = C::kLimit + 1;
   const Char text[] = {'x', 'y', 0};
   const struct {
@@ -30,9 +47,11 @@ TYPED_TEST(Strings, RefusalsInTheirOrder) {
     size_t room;
     errno_t code;
   } rows[] = {
-      {true, false, 0, ERANGE},      {true, false, too_large, ERANGE}, {false, true, 0, ERANGE},
-      {false, true, kWhole, ERANGE}, {false, false, 4, EINVAL},        {false, true, 4, EINVAL},
-      {true, true, 0, ERANGE},       {true, false, 4, EINVAL_CLEARED},
+      {true, false, 0, ERANGE},        {true, false, too_large, ERANGE},
+      {false, true, 0, ERANGE},        {false, true, kWhole, ERANGE},
+      {false, false, 4, EINVAL},       {false, true, 4, EINVAL},
+      {true, true, 0, ERANGE},         {true, false, 4, EINVAL_CLEARED},
+      {true, true, too_large, ERANGE},
   };
   Char d[] = {'a', 'b', 0, 'c'};
   const auto expect = [&](errno_t wanted, errno_t code) {
@@ -47,9 +66,11 @@ TYPED_TEST(Strings, RefusalsInTheirOrder) {
     const Char* const src = row.has_src ? text : nullptr;
     SCOPED_TRACE(testing::Message() << row.code << " " << row.room);
     expect(row.code, C::copy(dst, row.room, src));
-    expect(row.code, C::copy(dst, row.room, src, too_large));
     expect(row.code, C::append(dst, row.room, src));
-    expect(row.code, C::append(dst, row.room, src, too_large));
+    for (const size_t count : {size_t{2}, too_large}) {
+      expect(row.code, C::copy(dst, row.room, src, count));
+      expect(row.code, C::append(dst, row.room, src, count));
+    }
   }
   expect(ERANGE_CLEARED, C::copy(d, 4, text, too_large));
   expect(ERANGE_CLEARED, C::append(d, 4, text, kWhole));
@@ -84,7 +105,7 @@ TEST_P(ShortStrings, AtTheEndOfAPage) {
       char* const src = page.data() + page.size() - 1 - behind - length;
       src[length] = 0;
       for (const size_t room : {length, length + 1, sizeof d}) {
-        for (const size_t limit : {kWhole, length / 2, length, length + 1}) {
+        for (const size_t limit : {kWhole, length / 2, length, length + 1, sizeof d - 1}) {
           if (room == 0) continue;
           fill();
           const size_t taken = std::min(length, limit);
@@ -121,13 +142,15 @@ TEST_P(ShortStrings, UnterminatedAtTheEndOfAPage) {
     EXPECT_EQ(ERANGE_CLEARED, strcpy_s(d, length, src.data()));
     EXPECT_EQ(ERANGE_CLEARED, strncpy_s(d, length, src.data(), length));
     EXPECT_EQ(length - 1, strnlen(d + 1, sizeof d - 1));
+    EXPECT_EQ(ERANGE_CLEARED, strcat_s(d, length, src.data()));
+    EXPECT_EQ(EINVAL_CLEARED, strcat_s(src.data(), length, "y"));
   }
 }
 
 // An unterminated source or destination is never read past the destination's size.
 TYPED_TEST(Strings, NothingIsReadPastTheRoom) {
-  using Char = TypeParam;
-  using C = Calls<Char>;
+  using C = TypeParam;
+  using Char = typename C::Char;
   Guarded<Char> src(6), full(6);
   std::fill_n(src.data(), 6, 'a');
   std::fill_n(full.data(), 6, 'b');
@@ -137,6 +160,7 @@ TYPED_TEST(Strings, NothingIsReadPastTheRoom) {
   EXPECT_EQ(ERANGE_CLEARED, C::append(d, 6, src.data()));
   EXPECT_EQ(ERANGE_CLEARED, C::append(d, 6, src.data(), 100));
   EXPECT_EQ(EOK, C::copy(d, 7, src.data(), 6));
+  EXPECT_EQ(EOVERLAP_CLEARED, C::copy(d + 1, 6, d, 5));
   EXPECT_EQ(EINVAL_CLEARED, C::append(full.data(), 6, src.data()));
   EXPECT_EQ(ERANGE_CLEARED, C::append(full.data(), 6, src.data()));
   EXPECT_EQ(0, full[0]);

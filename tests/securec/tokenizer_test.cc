@@ -15,6 +15,8 @@ TEST(Tokenizer, NullArgumentsChangeNothing) {
   context = nullptr;
   EXPECT_EQ(nullptr, strtok_s(nullptr, ",", &context));
   EXPECT_EQ(nullptr, context);
+  wchar_t* wide_context = nullptr;
+  EXPECT_EQ(nullptr, wcstok_s(nullptr, L",", &wide_context));
   EXPECT_STREQ("a,b", text);
   EXPECT_STREQ("a", strtok_s(text, ",", &context));
   EXPECT_EQ(text + 2, context);

@@ -30,8 +30,7 @@ inline int64_t take_signed(const Conversion& conversion, Arguments* arguments) {
     return static_cast<signed char>(va_arg(arguments->list, int));
   }
   if (conversion.has(Conversion::kShort)) return static_cast<short>(va_arg(arguments->list, int));
-  if (conversion.has(Conversion::kWord)) return va_arg(arguments->list, long);
-  return va_arg(arguments->list, int);
+  return va_arg(arguments->list, long);
 }
 
 // The value of any other integer conversion, cut to its size.
@@ -44,8 +43,7 @@ inline uint64_t take_unsigned(const Conversion& conversion, Arguments* arguments
   if (conversion.has(Conversion::kShort)) {
     return static_cast<unsigned short>(va_arg(arguments->list, unsigned));
   }
-  if (conversion.has(Conversion::kWord)) return va_arg(arguments->list, unsigned long);
-  return va_arg(arguments->list, unsigned);
+  return va_arg(arguments->list, unsigned long);
 }
 
 }  // namespace plx::securec

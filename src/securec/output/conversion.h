@@ -25,10 +25,8 @@ struct Conversion {
     kAnySize = kChar | kShort | kWord | k64,
   };
 
-  static constexpr int kNotGiven = -1;
-
   int width = 0;
-  int precision = kNotGiven;
+  int precision = -1;  // below 0 it is not given
   uint16_t marks = 0;
   char letter = 0;
 

@@ -33,7 +33,7 @@ struct IntegerField {
 //   prefix  body  zeros  tail
 //     -      1.5   000   e+10   more digits asked for than the value has
 struct FloatField {
-  Prefix prefix;  // empty where no zeros may come behind it: the body then has the sign
+  Prefix prefix;
   bool zero_pads = false;
   const char* body = nullptr;
   size_t body_size = 0;

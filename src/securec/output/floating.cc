@@ -126,10 +126,9 @@ FloatField FloatText::frame(const Conversion& conversion) const {
   FloatField field;
   const char* begin = text();
   const char* const end = begin + size_;
-  const bool has_sign = *begin == '-' || *begin == '+' || *begin == ' ';
-  const bool is_finite = is_digit(begin[has_sign ? 1 : 0]);
+  if (*begin == '-' || *begin == '+' || *begin == ' ') field.prefix.add(*begin++);
+  const bool is_finite = is_digit(*begin);
   field.zero_pads = is_finite && conversion.pads_with_zeros();
-  if (has_sign && field.zero_pads) field.prefix.add(*begin++);
   field.body = begin;
   field.body_size = static_cast<size_t>(end - begin);
   field.text_columns = count_characters(begin, field.body_size);

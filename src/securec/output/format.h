@@ -4,16 +4,13 @@
 #define PLX_SRC_SECUREC_OUTPUT_FORMAT_H
 
 #include <plx/securec.h>
-#include <stdarg.h>
 #include <stddef.h>
 
 namespace plx::securec {
 
-// As snprintf_s and vsnprintf_s.
+// As snprintf_s.
 int format_text(char* dst, size_t dst_size, size_t count, const char* format, ...)
     __attribute__((format(printf, 4, 5)));
-int format_text_list(char* dst, size_t dst_size, size_t count, const char* format, va_list args)
-    __attribute__((format(printf, 4, 0)));
 
 }  // namespace plx::securec
 

@@ -29,10 +29,6 @@ inline __attribute__((always_inline)) int format_counted(char* dst, size_t dst_s
 
 }  // namespace
 
-int format_text_list(char* dst, size_t dst_size, size_t count, const char* format, va_list args) {
-  return format_counted(dst, dst_size, count, format, args);
-}
-
 int format_text(char* dst, size_t dst_size, size_t count, const char* format, ...) {
   va_list args;
   va_start(args, format);

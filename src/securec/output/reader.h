@@ -58,7 +58,6 @@ inline bool read_width(uint32_t code, State previous, Arguments* arguments,
 inline bool read_precision(uint32_t code, Arguments* arguments, Conversion* conversion) {
   if (code == '*') {
     conversion->precision = va_arg(arguments->list, int);
-    if (conversion->precision < 0) conversion->precision = Conversion::kNotGiven;
     return true;
   }
   // Digits behind a negative '*' do not bring the precision back.

@@ -9,7 +9,6 @@
 #include <tuple>
 
 #include "securec/output/engines.h"
-#include "securec/output/format.h"
 #include "support/allocation.h"
 #include "support/guarded.h"
 
@@ -21,27 +20,38 @@ using plx_test::Guarded;
 using plx_test::print;
 using plx_test::text_of;
 
-// Each kind of piece that a field is made of. All take the same arguments.
+// Each kind of piece that a field is made of, with text behind it or nothing that would be cut as
+// well. All take the same arguments.
 const char* const kFormats[] = {
     "literal text %% and more",
-    "<%s>",
-    "<%30s>",
+    "<%s",
+    "<%30s",
+    "<%30.0s",
     "<%-30.7s>",
     "%.0s<%ls>",
-    "%.0s<%12ls>",
+    "%.0s<%12ls",
+    "%.0s<%12.0ls",
     "%.0s<%-12.3ls>",
+    "%.0s%.0ls<%9c",
     "%.0s%.0ls<%d>",
     "%.0s%.0ls<%14d%%>",
+    "%.0s%.0ls<%14d",
     "%.0s%.0ls<%-14d>",
     "%.0s%.0ls<%014d>",
     "%.0s%.0ls<%.14d>",
     "%.0s%.0ls<%#x>",
+    "%.0s%.0ls%9.0hhd",  // no digits
+    "%.0s%.0ls%+.0hhd",
+    "%.0s%.0ls%.9hhd",
     "%.0s%.0ls%c<%f>",
+    "%.0s%.0ls%c<%20f",
     "%.0s%.0ls%c<%020e>",
     "%.0s%.0ls%c<%-20.1e>",
     "%.0s%.0ls%c<%.1090e>",  // zeros within the number
+    "%.0s%.0ls%c<%.1090f",
+    "%.0s%.0ls%c%.0f%9p",
 };
-#define ARGUMENTS "na\xC3\xAFve text, long", L"wide \x20AC text", -1234567, 1.5
+#define ARGUMENTS "na\xC3\xAFve text, caf\xC3\xA9", L"wide \x20AC text", -0x12D700, 1.5, nullptr
 
 template <typename Char>
 class Bounds : public testing::Test {
@@ -110,10 +120,10 @@ using NarrowBounds = Bounds<char>;
 TEST_F(NarrowBounds, ACountCutsTheText) {
   const std::string text = "literal \xE2\x82\xAC  -7";
   const int size = static_cast<int>(text.size());
-  for (const auto call : {snprintf_s, plx::securec::format_text}) {
+  for (const auto call : plx_test::kCounted) {
     const auto printed = [&](size_t room_size, size_t count) {
       return
-          [=](char* room) { return call(room, room_size, count, "literal %lc %3d", 0x20AC, -7); };
+          [=](char* room) { return call(room, room_size, count, "literal %lc %3g", 0x20AC, -7.0); };
     };
     for (int room = 1; room <= size + 3; ++room) {
       for (int count = 0; count < room; ++count) {
@@ -148,7 +158,7 @@ TYPED_TEST(Bounds, ConvertedText) {
       {"<%3.2", "< \xC3\xA9\xE2\x82\xAC>", L"< \xE9\x20AC>"},
       {"<%.0", "<>", L"<>"},
   };
-  Guarded<char> narrow("\xC3\xA9\xE2\x82\xACx", 7), open_narrow("abc\xC3\xA9", 5);
+  Guarded<char> narrow("\xC3\xA9\xE2\x82\xACx", 7), open_narrow("abc\xC3\xA9", 5), bad("a\xC3", 3);
   Guarded<wchar_t> wide(L"\xE9\x20ACx", 4), open_wide(L"abcd", 4);
   // What the precision leaves out is not read.
   EXPECT_EQ(text_of<Char>(" abcdabc"),
@@ -160,7 +170,7 @@ TYPED_TEST(Bounds, ConvertedText) {
     EXPECT_EQ("<  \xE2\x82\xAC>", print<char>("<%5lc>", 0x20AC));  // padded by its bytes
     EXPECT_EQ("<>", print<char>("<%5lc>", 0xD800));
     EXPECT_EQ("<>", print<char>("<%5C>", WEOF));
-    EXPECT_EQ("refused", print<char>("<%ls>", L"a\xD800"));
+    EXPECT_EQ("refused", print<char>("<%-5ls>", L"a\xD800"));
     EXPECT_EQ("<a>", print<char>("<%.1ls>", L"a\xD800"));
   } else {
     for (const auto& [field, other, wanted] : rows) {
@@ -169,14 +179,17 @@ TYPED_TEST(Bounds, ConvertedText) {
     EXPECT_EQ(L"abc\xE9", print<wchar_t>("%.4s", open_narrow.data()));
     EXPECT_EQ(L"<    \x20AC>", print<wchar_t>("<%5lc>", 0x20AC));
     EXPECT_EQ(L"<>", print<wchar_t>("<%5c>", 0xC3));
-    EXPECT_EQ(L"refused", print<wchar_t>("<%s>", "a\xC3"));
+    EXPECT_EQ(L"refused", print<wchar_t>("<%-5s>", bad.data()));
     EXPECT_EQ(L"refused", print<wchar_t>("<%s>", "a\xC3(\xA9"));
     EXPECT_EQ(L"<a>", print<wchar_t>("<%.1s>", "a\xC3"));
     // What stands for the end of a file is no character.
     const std::wstring eof(1, static_cast<wchar_t>(WEOF));
     wchar_t dst[30];
-    EXPECT_EQ(L"refused", print<wchar_t>("%lc", WEOF));
-    EXPECT_EQ(L"refused", print<wchar_t>("%ls", (L"some text of a length" + eof).c_str()));
+    SecurecWideOutputStream stream = {sizeof dst, dst};
+    EXPECT_EQ(-1, plx_test::run(&stream, L"ab%lc", WEOF));
+    EXPECT_EQ(int{28 * sizeof(wchar_t)}, stream.room);
+    EXPECT_EQ(L"refused", print<wchar_t>("%-5lc", WEOF));
+    EXPECT_EQ(L"refused", print<wchar_t>("%-40ls", (L"some text of a length" + eof).c_str()));
     EXPECT_EQ(L"a", print<wchar_t>("%.1ls", (L"a" + eof).c_str()));
     EXPECT_EQ(-1, swprintf_s(dst, 30, (L"%d" + eof).c_str(), 1));
   }

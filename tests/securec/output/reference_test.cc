@@ -120,6 +120,13 @@ TYPED_TEST(Reference, OddFormats) {
   this->compare("100%% of %d%%%s.", "100%% of %d%%%s.", 7, "it");
   // A flag behind a width is a flag, and digits behind it start the width anew.
   this->compare("%5-d|%5-7d|%5+ #0d|%5-*d|", "%-5d|%-7d|%0+5d|%-*d|", 3, 4, 5, 7, 6);
+  // Arguments behind those that are handed over in registers.
+  const string many = "%d%d%d%.*d%*d%c%lc|%g%g%g%g%g%g%g%g%g";
+  this->compare(many, many, 1, 2, 3, 4, 5, 6, 7, 'c', wint_t{L'd'}, 1., 2., 3., 4., 5., 6., 7., 8.,
+                9.5);
+  // Nothing is taken of a number beyond its size.
+  const long wide = static_cast<long>(large);
+  this->compare("%d %u %x", "%d %u %x", wide, wide, wide);
   // More than 512 digits are not asked of an integer.
   this->compare("%.513d %#600.9999x", "%.512d %#600.512x", 3, 4);
   // Signs are for signed numbers, and a pointer is none. Its zero padding holds beside a precision:

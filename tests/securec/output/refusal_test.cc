@@ -44,17 +44,19 @@ TYPED_TEST(Refusals, ArgumentsEmptyADestinationThatIsThere) {
     EXPECT_EQ(row.result, Engine<Char>::ours(row.dst, row.count, row.format, 0)) << row.count;
     EXPECT_EQ(row.first, dst[0]) << row.count;
     if constexpr (sizeof(Char) == 1) {
-      dst[0] = 'a';
-      EXPECT_EQ(row.result, snprintf_s(row.dst, row.count, 1, row.format, 0)) << row.count;
-      EXPECT_EQ(row.first, dst[0]) << row.count;
-      for (const size_t count : {size_t{0x7FFFFFFF}, size_t{UINT32_MAX} - 1, SIZE_MAX - 1}) {
+      for (const auto call : plx_test::kCounted) {
         dst[0] = 'a';
-        EXPECT_EQ(-1, snprintf_s(row.dst, row.count, count, row.format, 0)) << count;
-        EXPECT_EQ(row.first == 'a' ? 'a' : 0, dst[0]) << count;
+        EXPECT_EQ(row.result, call(row.dst, row.count, 1, row.format, 0)) << row.count;
+        EXPECT_EQ(row.first, dst[0]) << row.count;
+        for (const size_t count : {size_t{0x7FFFFFFF}, size_t{UINT32_MAX} - 1, SIZE_MAX - 1}) {
+          dst[0] = 'a';
+          EXPECT_EQ(-1, call(row.dst, row.count, count, row.format, 0)) << count;
+          EXPECT_EQ(row.first == 'a' ? 'a' : 0, dst[0]) << count;
+        }
       }
     }
   }
-  typename Engine<Char>::Stream stream = {3, nullptr}, full = {INT32_MIN, dst};
+  typename Engine<Char>::Stream stream = {64, nullptr}, full = {INT32_MIN, dst};
   EXPECT_EQ(-1, run<Char>(&stream, text));
   EXPECT_EQ(-1, run<Char>(nullptr, text));
   EXPECT_EQ(-1, run<Char>(&full, nullptr));
