@@ -190,6 +190,8 @@ TEST(KeyStore, WorkKey) {
     EXPECT_EQ(KeyFault::kWorkKeyUnreadable, load_work_key("aes_prefix_key", out, 32));
   }
   g_stKeyMap[1].pszWorkKeyPath = path;
+  files.write_factor(1, "");
+  EXPECT_EQ(KeyFault::kFactorEmpty, load_work_key("aes_prefix_key", out, 32));
   EXPECT_STREQ("untouched", out);
   EXPECT_EQ(descriptor, lowest_free_descriptor());
 }

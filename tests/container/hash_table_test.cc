@@ -37,6 +37,7 @@ TEST(HashTable, Callbacks) {
   EXPECT_EQ(0, PLX_intHashCompare(&x, nullptr));  // null numbers are equal, null strings differ
   EXPECT_EQ(0, PLX_intHashCompare(nullptr, &x));
   EXPECT_EQ(1, PLX_stringHashCompare("a", nullptr));
+  EXPECT_EQ(1, PLX_stringHashCompare(nullptr, "a"));
   EXPECT_EQ(1, PLX_stringHashCompare(nullptr, nullptr));
   EXPECT_EQ(1, PLX_stringHashCompare("a", "A"));
   EXPECT_EQ(0, PLX_stringHashCompare("", ""));

@@ -30,12 +30,13 @@ TEST(StringArray, RefusesNullAndFullCapacity) {
   array.erase(0);
   array.setEntry(0, "x");
   ASSERT_EQ(1, array.push_back("kept"));
+  ASSERT_EQ(1, array.push_back("too"));
   array.setEntry(0, nullptr);
   array.sort(nullptr);
   array.capacity = array.size = 0x40000000;
   EXPECT_EQ(0, array.push_back("x"));
-  array.capacity = 16, array.size = 1;
-  EXPECT_EQ(std::vector<std::string>{"kept"}, contents(array));
+  array.capacity = 16, array.size = 2;
+  EXPECT_EQ((std::vector<std::string>{"kept", "too"}), contents(array));
 }
 
 // While growth keeps failing the capacity keeps rising, and the old block keeps its size. Programs
@@ -54,6 +55,18 @@ TEST(StringArray, GrowthFailingForGood) {
   EXPECT_EQ(0, array.push_back("none"));
   EXPECT_EQ(16, array.size);
   EXPECT_STREQ("last", array.entries[15]);
+}
+
+TEST(StringArray, FreesWhatItReplaces) {
+  plx_test::AllocationFault live;
+  {
+    StringArray array;
+    array.push_back("first");
+    array.setEntry(0, "second");
+    array.erase(0);
+    EXPECT_EQ(1, live.live_blocks());  // the slots
+  }
+  EXPECT_EQ(0, live.live_blocks());
 }
 
 // Growth loses the texts, which programs depend on, but not the slots that named them.

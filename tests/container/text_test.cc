@@ -43,8 +43,9 @@ TEST(Text, RemoveSpecifiedCharacter) {
   EXPECT_EQ("abc.....", image);
   PLX_RemoveSpecifiedCharacter("\xFFq\xFF", &image[0], '\xFF');
   EXPECT_EQ("qbc.....", image);
+  PLX_RemoveSpecifiedCharacter("", &image[0], 'q');
   PLX_RemoveSpecifiedCharacter(nullptr, &image[0], 'q');
-  PLX_RemoveSpecifiedCharacter("q", nullptr, 'q');
+  PLX_RemoveSpecifiedCharacter("q", nullptr, 'x');
   EXPECT_EQ("qbc.....", image);
 }
 

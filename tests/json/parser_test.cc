@@ -120,6 +120,12 @@ TEST(JsonParser, EntriesOfOneContainer) {
       expect_as_modelled(text);
     }
   }
+  std::string nested = "[]";  // whose entries are all kept until the last one is read
+  for (int level = 0; level < 8; ++level) {
+    std::string outer = container(400, "1", level % 2 != 0);
+    nested = outer.insert(outer.size() - 1, (level % 2 != 0 ? ",last:" : ",") + nested);
+  }
+  expect_as_modelled(nested);
 }
 
 // Of the element that an array refuses everything is lost but the record; nothing of a member.

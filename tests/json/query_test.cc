@@ -65,6 +65,24 @@ TEST(JsonQuery, Search) {
   }
 }
 
+// Names that differ in one character, whichever it is, or in their length by one.
+TEST(JsonQuery, AlmostTheName) {
+  const std::string letters = "abcdefghijklmnopqrstuvwxyz0123456789";
+  for (size_t length = 1; length <= letters.size(); ++length) {
+    const std::string wanted = letters.substr(0, length);
+    std::string others = "'" + wanted + "x':1,'" + wanted.substr(1) + "':1";
+    if (length > 2) others += ",'" + wanted.substr(0, length - 1) + "':1";
+    for (size_t i = 0; i < length; ++i) {
+      std::string other = wanted;
+      other[i] = '-';
+      others += ",'" + other + "':1";
+    }
+    EXPECT_EQ(nullptr, PLX_FindFromJsonValue(Tree("{" + others + "}").root, wanted.c_str()));
+    const Tree tree("{" + others + ",'" + wanted + "':2}");
+    EXPECT_EQ(2.0, PLX_GetJsonValueNumber(PLX_FindFromJsonValue(tree.root, wanted.c_str())));
+  }
+}
+
 TEST(JsonQuery, Conversions) {
   const struct {
     const char* text;  // of an array's one element
@@ -122,6 +140,12 @@ TEST(JsonQuery, NoBodyAndNoEntry) {
   EXPECT_EQ(nullptr, PLX_JsonObjectGetValueByName(&negative, "m"));
   EXPECT_EQ(nullptr, PLX_JsonObjectGetValueByName(nullptr, "m"));
   EXPECT_EQ(0, PLX_JsonGetObjectCount(nullptr));
+  char name[] = "n";
+  char* names[] = {name};
+  PLX_JsonValue behind = {PLX_JSON_STRING, name};
+  PLX_JsonValue* values[] = {&behind, &behind};
+  const PLX_JsonObject one = {1, 1, names, values};
+  EXPECT_EQ(nullptr, PLX_JsonObjectGetValueByName(&one, "m"));
 
   // Either name of the two shared functions has the one address.
   using Address = void*;
