@@ -74,7 +74,7 @@ Run run_apart(const Call& call, Step step, size_t fail_at, bool all_later) {
 
 bool is_allowed(const Call& call, Step step, Answer answer) {
   if (answer == Answer::kRefused) return true;
-  if (answer == Answer::kWrong) return false;
+  if (answer == Answer::kWrong || step == Step::kOpen || step == Step::kRandom) return false;
   return step != Step::kMemory || call.bears_short_memory;
 }
 

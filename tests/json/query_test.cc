@@ -44,6 +44,8 @@ TEST(JsonQuery, Search) {
       {"{'[':2}", "{", "-", "-"},
       {"{'\\u00c9':3}", "\xc3\xa9", "-", "-"},
       {"{key:1,'':2}", "", R"("2")", R"("2")"},
+      {"[1,{b:5},2,3,{b:6}]", "b", R"("5")", R"("5")"},
+      {"{e:{},a_long_name:1}", "a_long_name", R"("1")", R"("1")"},
   };
   for (const auto& row : kRows) {
     SCOPED_TRACE(testing::Message() << row.name << " in " << row.text);
@@ -145,7 +147,9 @@ TEST(JsonQuery, NoBodyAndNoEntry) {
   PLX_JsonValue behind = {PLX_JSON_STRING, name};
   PLX_JsonValue* values[] = {&behind, &behind};
   const PLX_JsonObject one = {1, 1, names, values};
-  EXPECT_EQ(nullptr, PLX_JsonObjectGetValueByName(&one, "m"));
+  for (const char* absent : {"m", "a_long_name"}) {
+    EXPECT_EQ(nullptr, PLX_JsonObjectGetValueByName(&one, absent));
+  }
 
   // Either name of the two shared functions has the one address.
   using Address = void*;
