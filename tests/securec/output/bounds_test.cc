@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <tuple>
 
+#include "securec/output/counted.h"
 #include "securec/output/engines.h"
 #include "support/allocation.h"
 #include "support/guarded.h"

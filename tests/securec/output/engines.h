@@ -9,8 +9,6 @@
 
 #include <string>
 
-#include "securec/output/format.h"
-
 namespace plx_test {
 
 template <typename Char>
@@ -59,18 +57,6 @@ int print_list(Char* dst, size_t dst_count, const Char* format, ...) {
   va_end(args);
   return result;
 }
-
-inline int print_counted_list(char* dst, size_t dst_size, size_t count, const char* format, ...) {
-  va_list args;
-  va_start(args, format);
-  const int result = vsnprintf_s(dst, dst_size, count, format, args);
-  va_end(args);
-  return result;
-}
-
-// All print as much as a count allows.
-constexpr decltype(&snprintf_s) kCounted[] = {snprintf_s, plx::securec::format_text,
-                                              print_counted_list};
 
 // What a format makes of its arguments; "refused" for -1.
 template <typename Char, typename... Args>

@@ -7,6 +7,7 @@
 #include <regex>
 #include <vector>
 
+#include "securec/output/counted.h"
 #include "securec/output/engines.h"
 #include "support/guarded.h"
 
