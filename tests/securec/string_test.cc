@@ -133,10 +133,10 @@ TEST_P(ShortStrings, AtTheEndOfAPage) {
 }
 
 TEST_P(ShortStrings, UnterminatedAtTheEndOfAPage) {
-  for (size_t length = 1; length < 300; ++length) {
+  for (size_t length = 1; length <= 1100; ++length) {
     Guarded<char> src(length);
     std::fill_n(src.data(), length, 'x');
-    char d[301];
+    char d[1101];
     EXPECT_EQ(EOK, strncpy_s(d, length + 1, src.data(), length));
     EXPECT_EQ(length, strnlen(d, sizeof d));
     EXPECT_EQ(ERANGE_CLEARED, strcpy_s(d, length, src.data()));
