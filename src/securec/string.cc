@@ -107,7 +107,7 @@ errno_t copy_wide_counted(wchar_t* dst, size_t dst_count, const wchar_t* src, si
 
 [[gnu::noinline, gnu::cold]] errno_t copy_any_counted(char* dst, size_t dst_size, const char* src,
                                                       size_t count) {
-  avx2::make_ready();
+  if constexpr (avx2::kCompiled) cpu::features();  // which makes the copies by AVX2 ready
   if (!is_valid_size(dst_size)) return ERANGE;
   if (dst == nullptr) return EINVAL;
   if (src == nullptr) return clear_first(dst, EINVAL_CLEARED);
@@ -124,19 +124,23 @@ errno_t copy_wide_counted(wchar_t* dst, size_t dst_count, const wchar_t* src, si
 
 // Nothing is wrong with most calls.
 [[gnu::always_inline]] inline errno_t copy_whole(char* dst, size_t dst_size, const char* src) {
-  if (dst_size <= SECURE_MEM_LIMIT && dst != nullptr && src != nullptr && avx2::is_ready()) {
-    return avx2::copy_string(dst, dst_size, src);
+  if constexpr (avx2::kCompiled) {
+    if (dst_size <= SECURE_MEM_LIMIT && dst != nullptr && src != nullptr && avx2::is_ready()) {
+      return avx2::copy_string(dst, dst_size, src);
+    }
   }
   return copy_any_string(dst, dst_size, src);
 }
 
 [[gnu::always_inline]] inline errno_t copy_counted(char* dst, size_t dst_size, const char* src,
                                                    size_t count) {
-  // Not refused whatever the source's length, which therefore need not be known before it is
-  // written. One comparison for 0 < count < dst_size.
-  if (is_valid_size(dst_size) && count - 1 < dst_size - 1 && dst != nullptr && src != nullptr &&
-      avx2::is_ready() && are_apart(dst, src, count)) {
-    return avx2::copy_counted(dst, src, count);
+  if constexpr (avx2::kCompiled) {
+    // Not refused whatever the source's length, which therefore need not be known before it is
+    // written. One comparison for 0 < count < dst_size.
+    if (is_valid_size(dst_size) && count - 1 < dst_size - 1 && dst != nullptr && src != nullptr &&
+        avx2::is_ready() && are_apart(dst, src, count)) {
+      return avx2::copy_counted(dst, src, count);
+    }
   }
   return copy_any_counted(dst, dst_size, src, count);
 }
@@ -149,7 +153,7 @@ errno_t copy_wide_counted(wchar_t* dst, size_t dst_count, const wchar_t* src, si
 }  // namespace
 
 errno_t copy_any_string(char* dst, size_t dst_size, const char* src) {
-  avx2::make_ready();
+  if constexpr (avx2::kCompiled) cpu::features();  // which makes the copies by AVX2 ready
   if (!is_valid_size(dst_size)) return ERANGE;
   if (dst == nullptr) return EINVAL;
   if (src == nullptr) return clear_first(dst, EINVAL_CLEARED);

@@ -33,13 +33,11 @@ errno_t copy_long_string(char* dst, size_t dst_size, const char* src, size_t kno
 
 namespace avx2 {
 
+constexpr bool kCompiled = PLX_STRINGS_AVX2;
+
 // False until one of the full functions has asked, which spares the copies a frame.
 inline bool is_ready() {
-  return PLX_STRINGS_AVX2 && (cpu::g_features.load(std::memory_order_relaxed) & cpu::kAvx2) != 0;
-}
-
-inline void make_ready() {
-  if (PLX_STRINGS_AVX2) cpu::features();
+  return (cpu::g_features.load(std::memory_order_relaxed) & cpu::kAvx2) != 0;
 }
 
 // strcpy_s of texts that are not null and a size that is not above the limit; what it cannot accept
