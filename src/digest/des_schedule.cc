@@ -53,7 +53,7 @@ constexpr uint32_t rotate_left_28(uint32_t half, int count) {
 }
 
 template <typename Context, typename... Keys>
-unsigned int schedule_passes(Context* ctx, const Keys*... keys) {
+[[gnu::noinline]] unsigned int schedule_passes(Context* ctx, const Keys*... keys) {
   if (ctx == nullptr || (... || (keys == nullptr))) return 0;
   constexpr int kNumPasses = sizeof...(keys);
   const uint8_t* const key_of_pass[] = {keys...};
@@ -71,6 +71,13 @@ unsigned int schedule_passes(Context* ctx, const Keys*... keys) {
     wipe(reversed, sizeof reversed);
   }
   return 0;
+}
+
+template <typename Context, typename... Keys>
+unsigned int set_keys(Context* ctx, const Keys*... keys) {
+  const unsigned int result = schedule_passes(ctx, keys...);
+  wipe_spilled_words();
+  return result;
 }
 
 }  // namespace
@@ -100,17 +107,17 @@ void reverse_rounds(uint32_t* reversed, const uint32_t* subkeys) {
 extern "C" {
 
 unsigned int PLX_des_setKey(DesContext* ctx, const unsigned char key[8]) {
-  return plx::digest::des::schedule_passes(ctx, key);
+  return plx::digest::des::set_keys(ctx, key);
 }
 
 unsigned int PLX_3des_set2keys(Des3Context* ctx, const unsigned char key1[8],
                                const unsigned char key2[8]) {
-  return plx::digest::des::schedule_passes(ctx, key1, key2, key1);
+  return plx::digest::des::set_keys(ctx, key1, key2, key1);
 }
 
 unsigned int PLX_3des_set3keys(Des3Context* ctx, const unsigned char key1[8],
                                const unsigned char key2[8], const unsigned char key3[8]) {
-  return plx::digest::des::schedule_passes(ctx, key1, key2, key3);
+  return plx::digest::des::set_keys(ctx, key1, key2, key3);
 }
 
 }  // extern "C"

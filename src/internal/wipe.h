@@ -18,8 +18,9 @@ __attribute__((noinline)) void wipe_stack() {
   wipe(left, kDepth);
 }
 
-// Wipes what a digest has left of its message on the stack, where compilers have too few registers
-// for it or save code. gcc for speed on x86-64 has enough, and short messages would feel the time.
+// Wipes what a digest has left of its message, or a key schedule of its key, on the stack, where
+// compilers have too few registers for it or save code. gcc for speed on x86-64 has enough, and
+// short messages would feel the time.
 inline void wipe_spilled_words() {
 #if defined(__clang__) || !defined(__x86_64__) || defined(__OPTIMIZE_SIZE__)
   wipe_stack<1024>();
