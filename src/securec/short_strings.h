@@ -69,7 +69,7 @@ inline size_t short_length(const char*, size_t) { return kUnknownText; }
 }
 
 inline bool append_short_string(char* dst, size_t dst_size, const char* src) {
-  if (dst_size > SECURE_MEM_LIMIT || dst == nullptr || src == nullptr) return false;
+  if (!is_valid_size(dst_size) || dst == nullptr || src == nullptr) return false;
   const size_t end = short_length(dst, dst_size);
   if (end >= dst_size) return false;
   const size_t length = short_length(src, dst_size - end);

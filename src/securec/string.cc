@@ -125,7 +125,7 @@ errno_t copy_wide_counted(wchar_t* dst, size_t dst_count, const wchar_t* src, si
 // Nothing is wrong with most calls.
 [[gnu::always_inline]] inline errno_t copy_whole(char* dst, size_t dst_size, const char* src) {
   if constexpr (avx2::kCompiled) {
-    if (dst_size <= SECURE_MEM_LIMIT && dst != nullptr && src != nullptr && avx2::is_ready()) {
+    if (is_valid_size(dst_size) && dst != nullptr && src != nullptr && avx2::is_ready()) {
       return avx2::copy_string(dst, dst_size, src);
     }
   }

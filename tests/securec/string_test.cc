@@ -72,6 +72,11 @@ TYPED_TEST(Strings, RefusalsInTheirOrder) {
       expect(row.code, C::append(dst, row.room, src, count));
     }
   }
+  // Nothing is read for a destination without room.
+  auto* const nowhere = reinterpret_cast<Char*>(uintptr_t{8});
+  expect(ERANGE, C::copy(d, 0, nowhere));
+  expect(ERANGE, C::copy(d, 0, nowhere, 2));
+  EXPECT_EQ(ERANGE, C::append(nowhere, 0, nowhere));
   expect(ERANGE_CLEARED, C::copy(d, 4, text, too_large));
   expect(ERANGE_CLEARED, C::append(d, 4, text, kWhole));
   EXPECT_EQ(EOK, C::copy(d, 4, text, C::kLimit));
