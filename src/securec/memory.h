@@ -22,12 +22,6 @@ inline bool ranges_overlap(const void* a, const void* b, size_t size) {
   return distance(a, b) < size || distance(b, a) < size;
 }
 
-// A refused call leaves nothing of the old contents behind: the whole destination is zeroed.
-inline errno_t clear_bytes(void* dst, size_t dst_size, errno_t code) {
-  memset(dst, 0, dst_size);
-  return code;
-}
-
 // How a block is filled or copied once the call is accepted; all return EOK.
 struct PlatformBlocks {
   static constexpr bool kTestsSignOnSuccess = true;
@@ -82,6 +76,12 @@ inline errno_t move_memory(void* dst, size_t dst_size, const void* src, size_t c
     return Blocks::move(dst, src, count);
   }
   return refuse_move(dst, dst_size, src, count);
+}
+
+// A refused call leaves nothing of the old contents behind: the whole destination is zeroed.
+inline errno_t clear_bytes(void* dst, size_t dst_size, errno_t code) {
+  memset(dst, 0, dst_size);
+  return code;
 }
 
 }  // namespace plx::securec

@@ -149,14 +149,11 @@ size_t read_modifier(const Char* at, Conversion* out) {
       return 1;
     case 'I':
       return read_size_of_i(at, out);
-    case 'F':
-    case 'N': {
+    default: {  // 'F' and 'N'
       // Without a modifier or a letter behind it, it is the letter.
       const Letter& next = kLetters.of[ascii(at[1])];
       return next.is_modifier || next.kind != Kind::kNone ? 1 : 0;
     }
-    default:
-      return 0;
   }
 }
 

@@ -53,7 +53,8 @@ template <typename Char>
   for (unsigned digit; at != safe_end && (digit = digit_value(*at)) < base; ++at) {
     value = value * base + digit;
   }
-  if (out->value != 0 || (at == safe_end && at != run.end())) {
+  // Only a Field has earlier digits, in the window before.
+  if (out->value != 0 || (at == safe_end && at != run.end())) {  // GCOVR_EXCL_BR_LINE
     Magnitude all = *out;
     at = take_many_digits(base, run, &all);
     *out = all;
@@ -86,7 +87,7 @@ template <typename Char, template <typename> class From>
     // With a constant base a multiplication is an addition or two.
     stop = base == 10 ? take_digits(10, run, &magnitude) : take_digits(base, run, &magnitude);
     has_digit = has_digit || stop != run.at();
-  } while (from->take_until(stop));
+  } while (from->take_until(stop));  // GCOVR_EXCL_BR_LINE: never again for a Run
   *out = letter.is_signed ? magnitude.as_signed(negative) : magnitude.as_unsigned(negative);
   return has_digit;
 }

@@ -193,6 +193,7 @@ TEST(Marks, OfWideTextAreTakenOutWithoutSwapping) {
       {wide("7") + mark, "%d%n", "i4 i4", "1 7|1", mark},  // an incomplete character
       {"7\xFF" + wide("7"), "%d", "i4", "0 .", "7\xFF" + wide("7")},
       {"\xFF\xFF" + wide("7"), "%d", "i4", "0 .", "\xFF\xFF" + wide("7")},
+      {"\xFE\xFE" + wide("7"), "%d", "i4", "0 .", "\xFE\xFE" + wide("7")},
   });
 }
 

@@ -206,14 +206,28 @@ struct NoInput : plx::securec::input::Source<Char> {
 };
 
 TYPED_TEST(ByList, DigitsThatFindNoMemoryAreNotTaken) {
-  const auto digits = of_width<TypeParam>(std::string(400, '7'));
   const auto format = of_width<TypeParam>("%lf");
-  plx::securec::input::StringSource<TypeParam> text(digits.data(), digits.size());
-  plx::securec::input::Source<TypeParam>* const source = &text;
-  double value;
-  const AllocationFault none(1);
-  EXPECT_EQ(0, by_list<Lists<TypeParam>::kEngine>(source, format.c_str(), &value));
-  EXPECT_EQ(0u, text.taken());
+  const std::string sevens(300, '7');
+  for (const std::string& number : {sevens + sevens, sevens + "e" + sevens}) {
+    const auto digits = of_width<TypeParam>(number);
+    plx::securec::input::StringSource<TypeParam> text(digits.data(), digits.size());
+    plx::securec::input::Source<TypeParam>* const source = &text;
+    double value;
+    const AllocationFault none(1);
+    EXPECT_EQ(0, by_list<Lists<TypeParam>::kEngine>(source, format.c_str(), &value));
+    EXPECT_EQ(number.size() % sevens.size() * 301, text.taken());
+  }
+}
+
+// The doubling ends before it could wrap; nothing of such a number is looked at.
+TEST(Memory, ANumberBeyondAGibibyteIsRefused) {
+  plx::securec::input::NumberText text;
+  volatile uintptr_t address = 8, size = uintptr_t{3} << 29;  // compilers warn of what they know
+  const auto* const nowhere = reinterpret_cast<const char*>(address);
+  EXPECT_FALSE(text.append(nowhere, nowhere + size));
+  const std::string digits(400, '7');
+  EXPECT_FALSE(text.append(digits.data(), digits.data() + digits.size()));
+  EXPECT_TRUE(text.failed());
 }
 
 TYPED_TEST(ByList, TheEngineTellsANullDestinationFromTheEnd) {

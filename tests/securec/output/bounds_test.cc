@@ -29,6 +29,7 @@ const char* const kFormats[] = {
     "<%30s",
     "<%30.0s",
     "<%-30.7s>",
+    "<%.4s%.0ls",  // what follows a cut text cannot make it whole
     "%.0s<%ls>",
     "%.0s<%12ls",
     "%.0s<%12.0ls",

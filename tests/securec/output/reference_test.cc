@@ -142,6 +142,8 @@ TYPED_TEST(Reference, OddFormats) {
   this->compare("%I64d %jd %Ld %qd", "%lld %lld %lld %lld", large, large, large, large);
   this->compare("%hlld %lllx", "%lld %llx", large, large);
   this->compare("%Id %td %Ix", "%zd %zd %zx", ptrdiff_t{-5}, ptrdiff_t{-6}, size_t{7});
+  this->compare("%Ii %Io %Iu %IX", "%zi %zo %zu %zX", ptrdiff_t{-5}, size_t{9}, ~size_t{0},
+                ~size_t{0});
   this->compare("%I32d %wd %Nd %Zd", "%d %d %d %d", 1, -2, 3, -4);
   this->compare("%I64I32d %lI32d %hhhd %lhd", "%d %d %hhd %hd", -1, -2, 300, 70000);
   this->compare("%lI32s %ws %4.2S", "%ls %ls %4.2ls", L"wide", L"wide", L"wide");
