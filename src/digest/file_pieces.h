@@ -6,6 +6,7 @@
 #include <stdio.h>
 
 #include "internal/owned.h"
+#include "internal/wipe.h"
 
 namespace plx::digest {
 
@@ -15,8 +16,8 @@ OwnedFile open_or_report(const char* path);
 // Calls `take(piece, size)` for each piece. A read error ends the file silently.
 template <typename Take>
 void for_each_piece(FILE* file, Take take) {
-  uint8_t piece[1024];
-  while (const size_t size = fread(piece, 1, sizeof piece, file)) take(piece, size);
+  SecretBytes<1024> piece;  // the file may be one of keys
+  while (const size_t size = fread(piece.data(), 1, piece.size(), file)) take(piece.data(), size);
 }
 
 }  // namespace plx::digest

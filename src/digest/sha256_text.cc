@@ -5,6 +5,7 @@
 #include "digest/hex.h"
 #include "digest/sha256_constants.h"
 #include "digest/sha256_staged.h"
+#include "internal/wipe.h"
 
 using namespace plx::digest;
 
@@ -30,6 +31,8 @@ int PLX_sha256_encoder_file(const char* path, char* out, int outSize) {
   file.reset();
   uint8_t digest[kSha256DigestSize];
   staged::finish(&ctx, digest);
+  plx::wipe(&ctx, sizeof ctx);
+  plx::wipe_spilled_words();
   write_hex(out, outSize, digest, sizeof digest);
   return 0;
 }

@@ -94,7 +94,8 @@ bool Parser::parse_element(int depth, size_t first) {
   PendingEntry* entry = next_entry(first);
   if (entry == nullptr) {
     // Of a refused element only the record is released, what hangs below it is not: callers depend
-    // on it.
+    // on it. What is lost need not be readable.
+    if (texts_ == Texts::kSecret) wipe_texts(element);
     release_block(element);
     return false;
   }
@@ -174,7 +175,7 @@ PLX_JsonValue* parse(const char* text, Texts texts) {
   Parser parser(text, texts);
   PLX_JsonValue* root = parser.parse_value(0);
   // The frames of the sixteen levels are smaller.
-  if (texts == Texts::kSecret) wipe_stack<4096>();
+  if (texts == Texts::kSecret) wipe_stack<8192>();
   return root;
 }
 

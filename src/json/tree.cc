@@ -80,6 +80,16 @@ void release_text(void* text, Texts texts) {
   release_block(text);
 }
 
+void wipe_texts(const PLX_JsonValue* value) {
+  if (value->type == PLX_JSON_STRING) {
+    wipe(value->data, strlen(static_cast<char*>(value->data)));
+  } else if (const PLX_JsonObject* object = object_of(value)) {
+    for (int32_t i = 0; i < object->count; ++i) wipe_texts(object->values[i]);
+  } else if (const PLX_JsonArray* array = array_of(value)) {
+    for (int32_t i = 0; i < array->count; ++i) wipe_texts(array->items[i]);
+  }
+}
+
 void release(PLX_JsonValue* value, Texts texts) {
   if (value == nullptr) return;
   if (value->type == PLX_JSON_STRING) {

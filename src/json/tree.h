@@ -26,6 +26,9 @@ enum class Texts : bool { kPlain, kSecret };
 
 void release_text(void* text, Texts texts);
 
+// Wipes the texts of what `value` is and of everything below it.
+void wipe_texts(const PLX_JsonValue* value);
+
 // Releases `value`, which may be null, and everything below it, the last entries first.
 void release(PLX_JsonValue* value, Texts texts = Texts::kPlain);
 

@@ -152,10 +152,41 @@ void serve() {
 
 void run_body() { (*body)(); }
 
+bool looks_at_blocks() { return is_watching && request == Request::kNone; }
+
 void look_at(const void* freed, Request what) {
-  if (freed == nullptr || !is_watching || request != Request::kNone) return;
+  if (freed == nullptr || !looks_at_blocks()) return;
   block = freed;
   ask(what);
+}
+
+// What the call allocated and did not free yet.
+constexpr size_t kMostBlocks = 4096;
+const void* live[kMostBlocks];
+size_t num_live;
+
+void note_allocated(const void* allocated) {
+  if (looks_at_blocks() && num_live < kMostBlocks) live[num_live++] = allocated;
+}
+
+void forget(const void* gone) {
+  const void** const found = std::find(live, live + num_live, gone);
+  if (found != live + num_live) *found = live[--num_live];
+}
+
+void note_freed(const void* freed) {
+  look_at(freed, Request::kOurBlock);
+  forget(freed);
+}
+
+void search_live_blocks() {
+  size_t offset;
+  for (const void** at = live; at != live + num_live; ++at) {
+    const auto* bytes = static_cast<const unsigned char*>(*at);
+    const auto* end = bytes + malloc_usable_size(const_cast<void*>(*at));
+    const std::string* name = search(bytes, end, &offset);
+    if (name != nullptr) note(name, " in a lost block, at offset ", offset);
+  }
 }
 
 void* crypto_malloc(size_t size, const char*, int) { return __real_malloc(size); }
@@ -199,6 +230,7 @@ Findings watch(const std::function<void()>& call) {
   watched.uc_stack.ss_size = kStackSize;
   watched.uc_link = &searcher;
   makecontext(&watched, run_body, 0);
+  num_live = 0;
   is_watching = true;
   request = Request::kNone;
   do {
@@ -209,12 +241,15 @@ Findings watch(const std::function<void()>& call) {
   findings.stack_used =
       std::max(findings.stack_used, static_cast<size_t>(stack + kStackSize - lowest_written()));
   search_stack(stack + kStackSize, " on the stack, at depth ");
+  search_live_blocks();
   return findings;
 }
 
+void hand_out(const void* handed) { forget(handed); }
+
 void watch_libcrypto_blocks() {
   if (!CRYPTO_set_mem_functions(crypto_malloc, crypto_realloc, crypto_free)) abort();
-  look_at_freed_blocks([](const void* freed) { look_at(freed, Request::kOurBlock); });
+  look_at_blocks(note_allocated, note_freed);
 }
 
 }  // namespace plx_test

@@ -1,6 +1,6 @@
-// Finds pieces of secrets that a call has left behind: on its stack, and in heap blocks as they are
-// freed. What libcrypto leaves is told apart: the stack is searched as each of its functions is
-// entered, and searched and swept as it returns.
+// Finds pieces of secrets that a call has left behind: on its stack, in heap blocks as they are
+// freed, and in those that it loses. What libcrypto leaves is told apart: the stack is searched as
+// each of its functions is entered, and searched and swept as it returns.
 #ifndef PLX_TESTS_SECRETS_DETECTOR_H
 #define PLX_TESTS_SECRETS_DETECTOR_H
 
@@ -30,6 +30,9 @@ struct Findings {
 
 // Runs `call` on a stack of its own. `call` keeps no secret in its own frame.
 Findings watch(const std::function<void()>& call);
+
+// Says that the caller got `block`, which the call thus did not lose.
+void hand_out(const void* block);
 
 // Puts libcrypto's blocks under watch. To be called before anything of it is used.
 void watch_libcrypto_blocks();

@@ -37,7 +37,7 @@ char sealed_by_key[200], sealed_by_stb_key[200], sealed_by_box_key[200];
 unsigned char blob[100], cipher_text[32];
 int blob_size, size_in_and_out;
 constexpr int kPlainSize = sizeof kPlain - 1;
-char requests[8][400];
+char requests[10][1600];
 tagAes record;
 alignas(CCipher) unsigned char room_for_cipher[sizeof(CCipher)];
 
@@ -64,6 +64,7 @@ void write_request(int i, const std::string& members) {
 
 void prepare(KeyFiles* files) {
   for (int i : {0, 1, 4}) files->provision(i, kFactor, kWorkKey);
+  files->write_factor(2, kKeyText);
   for (size_t i = 0; i < sizeof long_key; ++i)
     long_key[i] = static_cast<unsigned char>(i * i + 7 * i);
   for (size_t i = 0; i < sizeof data; ++i) data[i] = static_cast<unsigned char>(i * 31 >> 3);
@@ -93,6 +94,12 @@ void prepare(KeyFiles* files) {
   write_request(5, prefix12 + "\"cipherSize\":128" + text + ",\"x\":,");
   write_request(
       6, "\"in\":[{" + prefix12 + "\"y\":1}" + second + "],\"cipherSize\":128," + rest + text);
+  std::string nested = "\"cipherSize\":128," + prefix12 + rest + text;
+  for (int depth = 0; depth < 14; ++depth) nested = "\"in\":{" + nested + "}";
+  write_request(8, nested);
+  std::string elements;  // the last one is refused
+  for (int i = 0; i < 480; ++i) elements += "1,";
+  write_request(9, "\"in\":[" + elements + "{\"in\":[{" + prefix12 + "\"x\":1}]}]," + rest + text);
   memset(output, 0, sizeof output);
   PLX_AesEncry(requests[0], text_output());
   const std::string digits = text_output();
@@ -201,6 +208,8 @@ TEST(Secrets, Digests) {
            sha256_update(&packed_context, key(), 24), sha256_finalize(&packed_context, key(), 24)),
       CALL(PLX_sha256_encoder_buf(key(), 24, text_output(), 65)),
       CALL(PLX_md5_encoder_buf(key(), 24, text_output(), 33)),
+      CALL(PLX_sha256_encoder_file(g_stKeyMap[2].pszFactorPath, text_output(), 65)),
+      CALL(PLX_md5_encoder_file(g_stKeyMap[2].pszFactorPath, text_output(), 33)),
       CALL(PLX_md5_encode(kKeyText, kWorkKey)),
       CALL(PLX_md5_163encode(kKeyText)),
       CALL(stunHMAC(output, data, 100, kKeyText, 24)),
@@ -246,8 +255,8 @@ TEST(Secrets, KeyStore) {
       CALL(reinterpret_cast<CCipher*>(room_for_cipher)
                ->DeriveInitKey("nRfiS4bxPAWqWMcgfpHUbw==", output)),
       CALL(CCipher::deriveKey(kKeyText, 24, data, 16, 2, 16, output)),
-      CALL(CCipher::Base64(key(), 24)),
-      CALL(CCipher::UnBase64(kBase64OfKey, 32, &size_in_and_out)),
+      CALL(hand_out(CCipher::Base64(key(), 24))),
+      CALL(hand_out(CCipher::UnBase64(kBase64OfKey, 32, &size_in_and_out))),
       CALL(printUnsignedCharArray(kKeyText, key(), 24)),
   };
   run_cases(cases);
@@ -280,6 +289,8 @@ TEST(Secrets, Aes) {
       CALL(PLX_AesEncry(requests[5], text_output())),
       CALL(PLX_AesEncry(requests[6], text_output())),
       CALL(PLX_AesDecry(requests[7], text_output(), 200)),
+      CALL(PLX_AesEncry(requests[8], text_output())),
+      CALL(PLX_AesEncry(requests[9], text_output())),
   };
   run_cases(cases);
 }

@@ -27,7 +27,9 @@ struct State {
 };
 thread_local State state;
 
-void (*look_at_freed)(const void* block);
+void ignore(const void*) {}
+void (*look_at_allocated)(const void* block) = ignore;
+void (*look_at_freed)(const void* block) = ignore;
 
 bool must_fail() {
   if (!state.active) return false;
@@ -39,7 +41,9 @@ bool must_fail() {
 }
 
 void* counted(void* block) {
-  if (block != nullptr && state.active) ++state.live;
+  if (block == nullptr) return nullptr;
+  look_at_allocated(block);
+  if (state.active) ++state.live;
   return block;
 }
 
@@ -55,14 +59,17 @@ void* __wrap_calloc(size_t count, size_t size) {
 
 void* __wrap_realloc(void* block, size_t size) {
   if (must_fail()) return nullptr;
-  if (block != nullptr && look_at_freed != nullptr) look_at_freed(block);
+  if (block == nullptr) return counted(__real_malloc(size));
+  look_at_freed(block);
   void* moved = __real_realloc(block, size);
-  return block == nullptr ? counted(moved) : moved;
+  look_at_allocated(moved);
+  return moved;
 }
 
 void __wrap_free(void* block) {
-  if (block != nullptr && look_at_freed != nullptr) look_at_freed(block);
-  if (block != nullptr && state.active) {
+  if (block == nullptr) return;
+  look_at_freed(block);
+  if (state.active) {
     --state.live;
     if (state.frees_room > 0) {
       --state.frees_room;
@@ -108,6 +115,9 @@ void AllocationFault::record_frees(void** out, size_t room) {
   state.frees_room = room;
 }
 
-void look_at_freed_blocks(void (*look)(const void* block)) { look_at_freed = look; }
+void look_at_blocks(void (*allocated)(const void*), void (*freed)(const void*)) {
+  look_at_allocated = allocated;
+  look_at_freed = freed;
+}
 
 }  // namespace plx_test

@@ -25,8 +25,9 @@ class AllocationFault {
   void record_frees(void** out, size_t room);
 };
 
-// From now on `look` sees each block of the library's before it is freed or moved.
-void look_at_freed_blocks(void (*look)(const void* block));
+// From now on these see each block of the library's when it has been allocated, and before it is
+// freed; a block that moves is freed and allocated.
+void look_at_blocks(void (*allocated)(const void* block), void (*freed)(const void* block));
 
 }  // namespace plx_test
 
