@@ -54,8 +54,9 @@ void copy_pieces(unsigned char* dst, const unsigned char* src, size_t count) {
   if constexpr (kPiece > 1) copy_pieces<Unit, kPiece / 2>(dst, src, count);
 }
 
+// Volatile, or compilers make words of these stores, and on ARM calls of memset.
 template <size_t kPiece>
-void fill_pieces(unsigned char* dst, unsigned char c, size_t count) {
+void fill_pieces(volatile unsigned char* dst, unsigned char c, size_t count) {
   if (count & kPiece) {
     for (size_t i = 0; i < kPiece; ++i) dst[i] = c;
     dst += kPiece;
