@@ -1,3 +1,4 @@
+#include <errno.h>
 #include <gtest/gtest.h>
 #include <plx/securec.h>
 
@@ -35,6 +36,10 @@ TEST(Line, StripsTheEndAndLeavesTheRestUnread) {
     EXPECT_STREQ(expected[i], buffer);
   }
   EXPECT_EQ(nullptr, gets_s(buffer, 16));
+  plx_test::StandardInput folder(fopen("/", "r"));
+  errno = 77;
+  EXPECT_EQ(nullptr, gets_s(buffer, 16));
+  EXPECT_EQ(77, errno);
 }
 
 }  // namespace

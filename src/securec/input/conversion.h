@@ -111,7 +111,7 @@ size_t read_size_of_i(const Char* at, Conversion* out) {
     out->level = Conversion::kIntLevel;
     return 3;
   }
-  for (const char letter : {'d', 'i', 'o', 'u', 'x', 'X'}) {
+  for (const unsigned char letter : {'d', 'i', 'o', 'u', 'x', 'X'}) {
     if (ascii(at[1]) != letter) continue;
     out->is_64_bit = out->is_64_bit || sizeof(void*) == sizeof(uint64_t);
     return 1;

@@ -11,10 +11,10 @@
 #include <algorithm>
 
 #include "securec/input/clear_destination.h"
-#include "securec/input/keep_errno.h"
 #include "securec/input/scanner.h"
 #include "securec/input/source.h"
 #include "securec/input/stream_sources.h"
+#include "securec/keep_errno.h"
 
 namespace plx::securec::input {
 

@@ -9,6 +9,7 @@
 #include "securec/input/conversion.h"
 #include "securec/input/field.h"
 #include "securec/input/number_text.h"
+#include "securec/keep_errno.h"
 
 namespace plx::securec::input {
 
@@ -21,6 +22,7 @@ inline bool accept_point(Field<char>& field, const char* point) {
 }
 
 inline bool accept_point(Field<wchar_t>& field, const char* point) {
+  const KeepErrno keep_errno;
   mbstate_t state = {};
   wchar_t wide = 0;
   const size_t length = strlen(point);

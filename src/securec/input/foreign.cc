@@ -1,6 +1,6 @@
 #include "securec/input/foreign.h"
 
-#include "securec/input/keep_errno.h"
+#include "securec/keep_errno.h"
 
 namespace plx::securec::input {
 

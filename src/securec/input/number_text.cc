@@ -6,8 +6,8 @@
 #include <new>
 
 #include "internal/wipe.h"
-#include "securec/input/keep_errno.h"
 #include "securec/input/short_decimal.h"
+#include "securec/keep_errno.h"
 
 namespace plx::securec::input {
 

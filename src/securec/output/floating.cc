@@ -8,7 +8,7 @@
 #include <algorithm>
 #include <new>
 
-#include "securec/output/keep_errno.h"
+#include "securec/keep_errno.h"
 #include "securec/output/transcode.h"
 
 namespace plx::securec {

@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "securec/output/keep_errno.h"
+#include "securec/keep_errno.h"
 
 namespace plx::securec {
 namespace {

@@ -83,6 +83,11 @@ TEST_F(Text, ThePointMayBeAnother) {
   EXPECT_EQ("2 1|.", scan("1.5", "%f%c", "f s1"));
   decimal_point = ",.";
   EXPECT_EQ("2 1|,", scan(L"1,5", L"%f%c", "f s1"));  // a wide point is one character
+  decimal_point = "\u066b";
+  setlocale(LC_CTYPE, "C");
+  errno = 77;
+  EXPECT_EQ("2 1|x", scan(L"1x", L"%f%c", "f s1"));  // and may be none at all
+  EXPECT_EQ(77, errno);
   decimal_point = nullptr;
 }
 
