@@ -15,6 +15,7 @@
 #include <plx/json.h>
 #include <plx/securec.h>
 
+#include <climits>
 #include <cstdarg>
 #include <cstddef>
 #include <memory>
@@ -72,10 +73,11 @@ constexpr size_t aes_record_output_size(size_t length) noexcept {
  * bytes: the initialisation vector and the padded blocks as Base64 in lines of 64 characters, and
  * the two bytes by which they round up. */
 constexpr size_t aes_cbc_text_size(size_t size) noexcept {
-  if (size > 0x60000000) return 0;  // the text would not fit an int
+  if (size > 0x60000000) return 0;
   const size_t blob = 16 + (size / 16 + 1) * 16;
   const size_t text = (blob + 2) / 3 * 4 + (blob + 47) / 48;
-  return text / 4 * 4 + 4 + 1;
+  const size_t needed = text / 4 * 4 + 4 + 1;
+  return needed > INT_MAX ? 0 : needed;
 }
 
 /* aes_cbc_plain_size returns an `outSize` that is enough for the PLX_aesCbcDecrypt functions and a
@@ -93,7 +95,7 @@ enum class RequestStatus {
   kDone,           /* text() is the result */
   kEmpty,          /* accepted, and the result has no bytes */
   kNothingWritten, /* accepted, but the cipher refused: wrong key, padding, or size */
-  kRefused         /* the request is malformed, or its key cannot be had */
+  kRefused         /* the request is malformed, its key cannot be had, or libcrypto refuses */
 };
 
 /* RequestResult holds the result of one request, of up to `Capacity` bytes, inside itself, and
@@ -137,8 +139,18 @@ class RequestResult {
    */
   static RequestStatus without_bytes(const char* request) noexcept {
     char probe[2] = {kGuard, kUntouched};
-    return ::PLX_AesDecry(request, probe + 1, 0) == 1 ? RequestStatus::kEmpty
-                                                      : RequestStatus::kRefused;
+    const bool accepted = ::PLX_AesDecry(request, probe + 1, 0) == 1;
+    return accepted && cipher_works() ? RequestStatus::kEmpty : RequestStatus::kRefused;
+  }
+
+  /* Whether libcrypto has the cipher at all: padding alone makes a block. */
+  static bool cipher_works() noexcept {
+    char block[32] = {kUntouched};
+    return ::PLX_AesEncry(
+               "{\"cipherSize\":128,\"paddingMode\":\"PKCS5Padding\","
+               "\"cipherPrefix\":\"............\",\"plainText\":\"\"}",
+               block) == 1 &&
+           block[0] != kUntouched;
   }
 
   RequestStatus status_ = RequestStatus::kRefused;
