@@ -152,6 +152,22 @@ TEST_F(AesCbc, WhatIsNotNoticed) {
   }
 }
 
+TEST_F(AesCbc, TheKeyOfTheBoxIsLoadedAtEveryCall) {
+  char out[100];
+  std::string text(100, '.');
+  for (std::string key : {"one key", "another"}) {
+    files_.provision(4, kFactor, key);
+    ASSERT_EQ(48, PLX_aesCbcEncryptByRandomKey(bytes_of(kKey), 8, &text[0], 100));
+    EXPECT_EQ(8, PLX_aesCbcDecryptByRandomKey(text.c_str(), 45, out, 100));
+    std::replace(text.begin(), text.end(), '_', '\n');
+    key.resize(16);
+    EXPECT_EQ(8, PLX_aesCbcDecryptByKey(text.c_str(), 45, out, 100, bytes_of(key), AES_CBC_128));
+  }
+  files_.write_work_key(4, "gone");
+  EXPECT_EQ(-1, PLX_aesCbcEncryptByRandomKey(bytes_of(kKey), 8, &text[0], 100));
+  EXPECT_EQ(-1, PLX_aesCbcDecryptByRandomKey(text.c_str(), 45, out, 100));
+}
+
 TEST_F(AesCbc, CacheIsFilledOnce) {
   char text[100], out[100];
   EXPECT_EQ(-1, PLX_aesCbcEncrypt(bytes_of(kKey), 8, text, 100));  // no files yet

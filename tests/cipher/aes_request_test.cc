@@ -80,6 +80,7 @@ const Cipher kCiphers[] = {
     {"", "192", "", kPrefix.substr(0, 20), "ignored"},
     {"ECB", "256", "PKCS5Padding", kPrefix, ""},
     {"CBC", "128", "", kPrefix.substr(0, 12), "twelve chars"},
+    {"CBC", "128", "", kPrefix.substr(0, 12), "fourteen chars"},  // and two of the product's
     {"CBC", "192", "PKCS5Padding", kPrefix.substr(0, 20), ""},
     {"CBC", "256", "", kPrefix, "short"},
     {"CBC", "256", "PKCS5Padding", kPrefix, "an IV prefix of more than thirty letters"},

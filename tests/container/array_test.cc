@@ -79,6 +79,8 @@ TEST(Array, NullIsRefused) {
   PLX_array_clean(nullptr);
   PLX_array_destroy(nullptr);
   PLX_array_destroyWithoutClean(nullptr);
+  PLX_array_exchangeElement(array, 0, 15);  // callers reach slots behind the count
+  EXPECT_EQ(&value, array->items[15]);
   PLX_array_destroyWithoutClean(array);
 }
 

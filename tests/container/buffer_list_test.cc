@@ -78,6 +78,7 @@ TEST(BufferList, RefusesNullAndEmpty) {
   ASSERT_EQ(0, PLX_bufList_push_back(list, buf, 1));
   for (int i = 0; i < 2; ++i) ASSERT_EQ(0, PLX_bufList_pop_front(list, &buf, &len));
   EXPECT_EQ(-1, PLX_bufList_pop_front(list, &buf, &len));  // none is counted as queued
+  EXPECT_EQ(1, list->nodes[0].len);  // callers depend on the length that was queued last
   EXPECT_EQ(0, PLX_bufList_clearAllBufList(list));
   EXPECT_EQ(0, list->usedCount);
   PLX_bufList_realse(list);

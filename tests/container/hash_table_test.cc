@@ -86,4 +86,22 @@ TEST(HashTable, RefusesWhatItCannotHold) {
   PLX_hashtable_destroy(table);
 }
 
+// Callers depend on both: a new table's position is behind its first bucket, and clearing leaves
+// it.
+TEST(HashTable, EnumeratesWithoutABeginning) {
+  const uint32_t key = 1;
+  int first = 0, second = 0;
+  PLX_hashtable* table = PLX_hashtable_create(2, answer_hash, PLX_intHashCompare, nullptr);
+  answer = 0;
+  PLX_hashtable_insert(table, &key, &first);
+  answer = 1;
+  PLX_hashtable_insert(table, &key, &second);
+  EXPECT_EQ(&second, PLX_hashtable_enumNext(table));
+  EXPECT_EQ(nullptr, PLX_hashtable_enumNext(table));
+  PLX_hashtable_clear(table);
+  PLX_hashtable_insert(table, &key, &second);
+  EXPECT_EQ(nullptr, PLX_hashtable_enumNext(table));
+  PLX_hashtable_destroy(table);
+}
+
 }  // namespace
