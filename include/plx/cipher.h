@@ -84,8 +84,8 @@ PLX_API int PLX_AesDecryByMode(const tagAes* aes, char* in, int inLen, char* out
  *   "cipherPrefix"  the key but for its last 4 characters: 12, 20 or 28. Absent or "": the work key
  *                   "aes_prefix_key" (plx/key_store.h), of whatever length, takes its place.
  *   "IVPrefix"      the IV but for its last 4 characters: 12. Must be there in CBC; "" stands for a
- *                   default of the product. Of a longer one the first 16 characters are the IV; a
- *                   shorter one leaves zeros at the IV's end.
+ *                   default of the product. The first 16 characters of it and the product's 4 are
+ *                   the IV; a shorter one leaves zeros at the IV's end.
  *   "plainText"     what PLX_AesEncry encrypts, up to 1022 characters
  *   "cipherText"    what PLX_AesDecry decrypts: hexadecimal digits of either case, up to 1022.
  *                   Another character counts as 0; to an odd last digit belongs a 0.
@@ -93,13 +93,16 @@ PLX_API int PLX_AesDecryByMode(const tagAes* aes, char* in, int inLen, char* out
  * Longer texts are cut: mode and padding to 14 characters, size to 6, prefixes to 30. The last 4
  * characters of key and IV are constants of the product.
  *
- * A key of 256 bits starts with a zero byte, whatever its prefix: its first character is lost where
- * the key fills its field to the last byte. Data is encrypted under such keys, so this stays; who
- * decrypts it elsewhere sets the first byte of the key to zero.
+ * A prefix of 28 to 31 characters makes a key that starts with a zero byte: the key fills its field
+ * to the last byte, and its first character is lost. That is so with every prefix of 28 in a
+ * request. A shorter one of the key store keeps its first byte, and of one of 32 or more only the
+ * product's 4 characters and zeros are left. Data is encrypted under such keys, so this stays; who
+ * decrypts it elsewhere needs the key as it is here.
  *
  * Both functions return 0 when an argument is null, the request is refused, the key store does not
  * give a key, memory is short, libcrypto refuses, or there is nothing to write. A failure later on,
- * of the sizes or of a step of the cipher, gives 1: see there how to tell. */
+ * of the sizes, of a step of the cipher or of memory for its context, gives 1: see there how to
+ * tell. */
 
 /* PLX_AesEncry encrypts "plainText" and writes the cipher text to `out` as upper-case hexadecimal
  * digits, without a terminator. There is no size to pass, and `out` is not tested: give it twice
@@ -112,8 +115,9 @@ PLX_API int PLX_AesEncry(const char* request, char* out)
 
 /* PLX_AesDecry decrypts "cipherText" into `out`, which holds `outSize` bytes, and ends the plain
  * text with a terminator. `outSize` must be at least the number of hexadecimal digits rounded down
- * to a multiple of 16, plus 16. A result of 1 is a failure when `outSize` is less, or the padding
- * is wrong, as with a wrong key: the call then writes a zero to the byte BEFORE `out`. Pass an
+ * to a multiple of 16, plus 16. A result of 1 is a failure when `outSize` is less, the
+ * cipher text is not a whole number of blocks (with padding at least one), or the padding is wrong,
+ * as with a wrong key: the call then writes a zero to the byte BEFORE `out`. Pass an
  * `out` that starts inside a buffer of yours, set the byte before it to something else, and test it
  * afterwards. */
 PLX_API int PLX_AesDecry(const char* request, char* out, int outSize)
@@ -164,7 +168,7 @@ PLX_API int PLX_aesCbcEncryptByKey(const unsigned char* in, int inLen, char* out
  *  - `outSize` is not above the length of the plain text, or memory is short. */
 PLX_API int PLX_aesCbcDecryptByKey(const char* in, int inLen, char* out, int outSize,
                                    const unsigned char* key, AES_CBC_TYPE type) PLX_CHECK_RESULT
-    PLX_CHECK_READS(1, 2, in, inLen) PLX_CHECK_WRITES(3, 4, out, outSize);
+    PLX_CHECK_WRITES(3, 4, out, outSize);
 
 /* These four do the same with AES_CBC_128 and the first 16 characters of a stored key
  * (plx/key_store.h), filled with zeros if it is shorter. Line feeds stand as "_" in the sealed
@@ -230,17 +234,18 @@ class PLX_API CCipher {
    * stores the number of bytes in `*outLen`. Release the result with deleteArrayPoint_s. Returns
    * null, with `*outLen` untouched, when a pointer is null, `len` is below 1, or memory is short.
    *
-   * Malformed text is not refused. The result then holds at most the whole groups of 64 characters
-   * before the fault; the characters behind them may be decoded into `text` itself, within its
-   * `len` characters, and counted in `*outLen` as bytes that are zero in the result. Pass text of
-   * unknown origin in memory that can be written, and check what you get. */
+   * Malformed text is not refused. A "-" ends the text: the groups of 4 before it are decoded, what
+   * stands behind it is ignored. After any other fault the result then holds at most the whole
+   * groups of 64 characters before the fault; the characters behind them may be decoded into `text`
+   * itself, within its `len` characters, and counted in `*outLen` as bytes that are zero in the
+   * result. Pass text of unknown origin in memory that can be written, and check what you get. */
   static unsigned char* UnBase64(const char* text, int len, int* outLen) PLX_CHECK_RESULT;
 
   /* DeriveInitKey derives 16 bytes into `out` from a factor in Base64 and the instance's vector, as
    * deriveKey does with 100000 iterations (the keys of plx/key_store.h take 10000). The factor
    * counts as 16 bytes: longer ones are cut, shorter ones filled with zeros. Malformed text must be
-   * writable, as for UnBase64. Returns 0 when a pointer is null, the text is empty, or memory is
-   * short. */
+   * writable, as for UnBase64. Returns 0 when a pointer is null, the text is empty, or memory
+   * for the factor is short. When libcrypto cannot derive, the result is 1 and `out` is zero. */
   int DeriveInitKey(const char* factorBase64, unsigned char* out) PLX_CHECK_RESULT;
 
   /* getCCipherInitVector copies the vector to `dst`, which holds `dstSize` bytes; it does nothing

@@ -48,10 +48,10 @@ PLX_API void* PLX_valloc(size_t size) PLX_CHECK_RESULT;
  * pass an element that is not null to `cleanFn`, or to PLX_free when there is none; nothing else
  * does. Results are 0 and -1 unless said otherwise.
  *
- * Growth: capacities are multiples of 16, and growing adds 16 slots at a time. Appending a million
- * elements one by one thus reallocates 62,500 times, and where the allocator has to move the block
- * each time, copies 250 GB of pointers on the way (125 GB on 32-bit machines). Whoever knows the
- * number calls PLX_array_preAppend first and pays one allocation.
+ * Growth: capacities are multiples of 16 (but that of a copy), and growing adds 16 slots at a time.
+ * Appending a million elements one by one thus reallocates 62,500 times, and where the allocator
+ * has to move the block each time, copies 250 GB of pointers on the way (125 GB on 32-bit
+ * machines). Whoever knows the number calls PLX_array_preAppend first and pays one allocation.
  *
  * Any growth moves the slots: `items` read before it is stale after it. A growth that fails for
  * want of memory loses them: it returns -1 and leaves `items` null with `count` as it was; look-ups
@@ -136,7 +136,8 @@ PLX_API int PLX_array_move(PLX_array* array, int from, int to);
 
 /* PLX_array_createFromArray returns a new array with the same elements and the same `cleanFn`, or
  * null when `array` is null or empty or memory is short. The elements are shared: only one of the
- * two arrays may clean them. */
+ * two arrays may clean them. The capacity of the copy is its count, so that the next append grows
+ * it. */
 PLX_API PLX_array* PLX_array_createFromArray(const PLX_array* array) PLX_CHECK_RESULT;
 
 /* ---- Hash table ----------------------------------------------------------------------------- */

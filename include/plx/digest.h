@@ -1,7 +1,8 @@
 /* Digests and encodings: Base64 and Base64url, SHA-256, HMAC-SHA-256, MD5, the STUN HMAC, DES.
  *
  * Shared rules:
- *  - Nothing here allocates but the two calls that run triple DES over a buffer.
+ *  - Nothing of ours allocates but the two calls that run triple DES over a buffer. The C library
+ *    may for the files that are digested, and libcrypto for stunHMAC.
  *  - Contexts are plain records of the caller, without pointers: copy one in mid-message and both
  *    copies can be finished. A context belongs to one thread at a time; a scheduled DES context is
  *    only read and may serve several.

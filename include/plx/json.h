@@ -22,8 +22,9 @@
  *    closes the root is ignored.
  *  - Strings and names may stand in single quotes, and \' is an escape.
  *  - Strings and names may stand without quotes. Such a token runs up to NUL , : ' " { } [ ] or a
- *    space, and is not checked further: 12abc, tru and hello are values like 12 and true. Of white
- *    space only the space ends it: a tab or line end directly behind a token fails the parse, so a
+ *    space. Its escapes are those of a quoted string, and a control byte fails it as well, but it
+ *    need be no number or word: 12abc, tru and hello are values like 12 and true. Of white space
+ *    only the space ends it: a tab or line end directly behind a token fails the parse, so a
  *    pretty-printed number needs its comma, a bracket or a space behind it.
  *  - White space is that of the C locale's isspace: vertical tab and form feed as well.
  *  - A quoted string must not be the last thing in the text.
@@ -78,10 +79,10 @@ typedef struct PLX_JsonArray {
 /* ---- Building and releasing ----------------------------------------------------------------- */
 
 /* PLX_ParseJsonString returns the tree of `text`, to be released with PLX_FreeJsonValue, or null
- * when `text` is null, is not of the dialect, or memory is short. No byte behind the terminator is
- * read, nor any behind the bracket that closes the root. A failed parse releases what it had
- * built, with one exception: when an array has no room for one more element (the 481st, or memory
- * is short), that element's record is released, but what hangs below it is lost. */
+ * when `text` is null, is not of the dialect, or memory is short. No byte behind the terminator
+ * decides anything, nor any behind the bracket that closes the root. A failed parse releases what
+ * it had built, with one exception: when an array has no room for one more element (the 481st, or
+ * memory is short), that element's record is released, but what hangs below it is lost. */
 PLX_API PLX_JsonValue* PLX_ParseJsonString(const char* text) PLX_CHECK_RESULT;
 
 /* PLX_FreeJsonValue releases `value` and everything below it. Null is ignored. Only the root of a

@@ -14,8 +14,11 @@
  *  - EINVAL and ERANGE from an argument test leave the destination untouched. A code with _CLEARED
  *    says that the destination was cleared: the memory functions clear all of it, the string
  *    functions set its first character to 0 and leave what stands behind it.
- *  - Nothing is logged, errno is not set, nothing aborts. Nothing allocates but the formatting and
- *    scanning of long floating-point text and the scanning of files, as said there.
+ *  - Nothing is written outside the sizes given, and nothing that stands there decides anything. On
+ *    some machines bytes beside a text are looked at: those that share an aligned vector with it.
+ *  - Nothing is logged, errno is not set, nothing aborts. Nothing of ours allocates but the
+ *    formatting and scanning of long floating-point text and the scanning of files, as said there;
+ *    the C library may for its streams and locales.
  *  - No function keeps state: all may run on any number of threads at once, on distinct
  *    destinations. Only the standard streams are shared.
  */
@@ -116,8 +119,8 @@ PLX_API void util_memmove(void* dest, const void* src, size_t count);
 
 /* ---- Strings -------------------------------------------------------------------------------- */
 
-/* strcpy_s copies the text `src` with its terminator to `dest`, which holds `destMax` bytes. No
- * more than `destMax` bytes of `src` are read.
+/* strcpy_s copies the text `src` with its terminator to `dest`, which holds `destMax` bytes. Its
+ * end is sought in the first `destMax` bytes of `src`.
  *   ERANGE            `destMax` is 0 or above the limit
  *   EINVAL            `dest` is null
  *   EINVAL_CLEARED    `src` is null
