@@ -161,11 +161,19 @@ errno_t copy_any_string(char* dst, size_t dst_size, const char* src) {
 }
 
 errno_t copy_long_string(char* dst, size_t dst_size, const char* src, size_t known) {
-  const size_t length = known + bounded_length(src + known, dst_size - known);
+  // A short text is measured and copied without a call into the C library.
+  constexpr size_t kShort = 32;
+  size_t length = known;
+  while (length < std::min(kShort, dst_size) && src[length] != 0) ++length;
+  if (length >= kShort) length += bounded_length(src + length, dst_size - length);
   if (length == dst_size) return clear_first(dst, ERANGE_CLEARED);
   if (dst == src) return EOK;
   if (ranges_overlap(dst, src, length + 1)) return clear_first(dst, EOVERLAP_CLEARED);
-  copy_chars(dst, src, length + 1);
+  if (length < kShort) {
+    copy_to_32(dst, src, length + 1);
+  } else {
+    copy_chars(dst, src, length + 1);
+  }
   return EOK;
 }
 

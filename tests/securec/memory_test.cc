@@ -9,15 +9,6 @@
 #include "securec/memory.h"
 #include "support/guarded.h"
 
-extern "C" {
-static int calls_of_memset = 0;
-void* __real_memset(void* dst, int c, size_t count);
-void* __wrap_memset(void* dst, int c, size_t count) {
-  ++calls_of_memset;
-  return __real_memset(dst, c, count);
-}
-}
-
 namespace {
 
 constexpr size_t kTooLarge = 0x80000000u;
@@ -229,22 +220,6 @@ TEST(Memory, VersionReport) {
   EXPECT_EQ(0, getQxSecureCVersion(nullptr, 64, &number));
   EXPECT_EQ('x', buf[0]);
   EXPECT_EQ(0x0504, number);
-}
-
-// The small fills are there for callers that cannot afford the way into the C library.
-TEST(Memory, SmallOptFillsAreOurOwn) {
-  alignas(8) char block[41];
-  calls_of_memset = 0;
-  memset_sOptAsm(block, 41, 5, 33);
-  if (calls_of_memset == 0) GTEST_SKIP() << "optimised at link time, or watched by a sanitizer";
-  calls_of_memset = 0;
-  for (size_t count = 0; count <= 32; ++count) {
-    for (const int c : {0, 5, 0xFF}) {
-      memset_sOptAsm(block + count % 2, 40, c, count);
-      memset_sOptTc(block, 40, c, count);
-    }
-  }
-  EXPECT_EQ(0, calls_of_memset);
 }
 
 }  // namespace
