@@ -210,7 +210,8 @@ PLX_API char* gets_s(char* buffer, int size) PLX_CHECK_RESULT PLX_CHECK_WRITES(1
  *                  precision.
  *              c s   a character, a text; null prints "(null)"
  *              C S   a wide character, a wide text (narrow with h)
- *              %   the sign itself
+ *
+ * "%%" prints the sign itself; nothing may stand between the two.
  *
  * Text of the other width is converted in the current locale. Width and precision count its
  * characters, not its bytes; a 'c' of several bytes is padded by its bytes. A text that does not
@@ -265,8 +266,8 @@ typedef struct SecurecWideOutputStream {
 
 /* securec_output_s formats into the room of `stream` and moves it on behind what was written; no
  * terminator is added. Returns the number of characters written, or -1 when `stream`, its position
- * or `format` is null, when the format is refused, or when the room ran out: what fits has then
- * been written. securec_woutput_s does the same for wide text. */
+ * or `format` is null, when the format is refused or a text does not convert, or when the room ran
+ * out: what fits has then been written. securec_woutput_s does the same for wide text. */
 PLX_API int securec_output_s(SecurecOutputStream* stream, const char* format, va_list args)
     PLX_CHECK_FORMAT(2, 0);
 PLX_API int securec_woutput_s(SecurecWideOutputStream* stream, const wchar_t* format, va_list args);
