@@ -2,6 +2,8 @@
 // left with it behind. The depth is bounded, so the recursion is.
 #include "json/parser.h"
 
+#include <algorithm>
+
 #include "container/alloc.h"
 #include "internal/wipe.h"
 #include "json/characters.h"
@@ -23,6 +25,9 @@ class Parser {
 
   // The value at the cursor, or null when the parse fails. The root's depth is 0.
   PLX_JsonValue* parse_value(int depth);
+
+  // The greatest depth that was entered.
+  int deepest() const { return deepest_; }
 
  private:
   PLX_JsonValue* parse_array(int depth);
@@ -49,11 +54,13 @@ class Parser {
 
   const char* cursor_;
   const Texts texts_;
+  int deepest_ = 0;
   PendingEntries entries_;
 };
 
 PLX_JsonValue* Parser::parse_value(int depth) {
   if (depth + 1 > kMaxDepth) return nullptr;
+  deepest_ = std::max(deepest_, depth);
   skip_white_space();
   if (*cursor_ == '[') return parse_array(depth);
   if (*cursor_ == '{') return parse_object(depth);
@@ -174,8 +181,14 @@ PLX_JsonValue* parse(const char* text, Texts texts) {
   if (text == nullptr || (*text != '[' && *text != '{')) return nullptr;
   Parser parser(text, texts);
   PLX_JsonValue* root = parser.parse_value(0);
-  // The frames of the sixteen levels are smaller.
-  if (texts == Texts::kSecret) wipe_stack<8192>();
+  if (texts == Texts::kSecret) {
+    // The frames of six levels are smaller than the first, those of all sixteen than the second.
+    if (parser.deepest() < 6) {
+      wipe_stack<4096>();
+    } else {
+      wipe_stack<8192>();
+    }
+  }
   return root;
 }
 
