@@ -35,7 +35,7 @@ class LibraryCalls : public testing::Test {
     memset_sOptAsm(block_, 80, 5, 33);
     if (calls == 0) GTEST_SKIP() << "optimised at link time, or watched by a sanitizer";
     calls = 0;
-    memcpy_sOptAsm(block_, 80, text_, 16);
+    memcpy_sOptAsm(block_, 80, text_, 63);
     if (calls != 0) GTEST_SKIP() << "not optimised";
   }
 
