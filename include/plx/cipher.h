@@ -235,7 +235,7 @@ class PLX_API CCipher {
    * null, with `*outLen` untouched, when a pointer is null, `len` is below 1, or memory is short.
    *
    * Malformed text is not refused. A "-" ends the text: the groups of 4 before it are decoded, what
-   * stands behind it is ignored. After any other fault the result then holds at most the whole
+   * stands behind it is ignored. After any other fault the result holds at most the whole
    * groups of 64 characters before the fault; the characters behind them may be decoded into `text`
    * itself, within its `len` characters, and counted in `*outLen` as bytes that are zero in the
    * result. Pass text of unknown origin in memory that can be written, and check what you get. */

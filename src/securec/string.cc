@@ -157,11 +157,12 @@ errno_t copy_any_string(char* dst, size_t dst_size, const char* src) {
   if (!is_valid_size(dst_size)) return ERANGE;
   if (dst == nullptr) return EINVAL;
   if (src == nullptr) return clear_first(dst, EINVAL_CLEARED);
-  return copy_long_string(dst, dst_size, src, 0);
+  return copy_string_from(dst, dst_size, src, 0);
 }
 
-errno_t copy_long_string(char* dst, size_t dst_size, const char* src, size_t known) {
-  // A short text is measured and copied without a call into the C library.
+errno_t copy_string_from(char* dst, size_t dst_size, const char* src, size_t known) {
+  // A short text is measured and copied without a call into the C library; one whose start is known
+  // here is past that.
   constexpr size_t kShort = 32;
   size_t length = known;
   while (length < std::min(kShort, dst_size) && src[length] != 0) ++length;

@@ -81,7 +81,7 @@ PLX_AVX2 errno_t copy_string(char* dst, size_t dst_size, const char* src) {
   length += kVector;
   if (length >= dst_size) return copy_any_string(dst, dst_size, src);
   zeros = zero_bytes(load_aligned(vectors + 2 * kVector));
-  if (zeros == 0) return copy_long_string(dst, dst_size, src, length);
+  if (zeros == 0) return copy_string_from(dst, dst_size, src, length);
   length += first_of(zeros);
   if (!is_accepted(dst, dst_size, src, length)) return copy_any_string(dst, dst_size, src);
   const size_t last = length + 1 - kVector;

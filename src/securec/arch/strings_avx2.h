@@ -30,7 +30,7 @@ inline bool are_apart(const char* dst, const char* src, size_t length) {
 // is taken on the way to the copies: each would cost a cycle of ten.
 [[gnu::noinline, gnu::cold]] errno_t copy_any_string(char* dst, size_t dst_size, const char* src);
 // The first `known` characters hold no terminator; `known` is below dst_size.
-errno_t copy_long_string(char* dst, size_t dst_size, const char* src, size_t known);
+errno_t copy_string_from(char* dst, size_t dst_size, const char* src, size_t known);
 
 namespace avx2 {
 
